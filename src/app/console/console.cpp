@@ -1,0 +1,116 @@
+#include "app/console/console.h"
+
+#include "app/console/process_switches.h"
+#include "app/console/text_width.h"
+#include "platform/console_io.h"
+#include "platform/process.h"
+
+namespace zvp {
+
+namespace {
+
+std::string_view ansi_sequence(char color) {
+    switch (color) {
+    case 'B': return "\x1b[94m";
+    case 'G': return "\x1b[92m";
+    case 'T': return "\x1b[96m";
+    case 'R': return "\x1b[91m";
+    case 'P': return "\x1b[95m";
+    case 'Y': return "\x1b[93m";
+    case 'b': return "\x1b[34m";
+    case 'g': return "\x1b[32m";
+    case 't': return "\x1b[36m";
+    case 'r': return "\x1b[31m";
+    case 'p': return "\x1b[35m";
+    case 'y': return "\x1b[33m";
+    default: return "\x1b[0m";
+    }
+}
+
+/// The colour that the last sequence set; sequences that change nothing aren't written.
+char current_color = 'w';
+
+} // namespace
+
+void set_color(char color) {
+    if (color == ' ') return;
+    if (ansi_sequence(color) == ansi_sequence('w')) color = 'w';
+    if (color == current_color || !process_switches().colors_enabled || !platform::output_is_terminal()) return;
+    current_color = color;
+    platform::write_output(ansi_sequence(color));
+}
+
+void reset_color() { set_color('w'); }
+
+void print(std::string_view text, char color) {
+    set_color(color);
+    platform::write_output(text);
+}
+
+void print_line(std::string_view text, char color) { print(std::string(text) + "\n", color); }
+
+void print_labelc(std::string_view label, std::string_view value, char color) {
+    print(std::string(label) + ": ");
+    print(value, color);
+}
+
+void print_labelm(std::size_t width, std::string_view label, std::string_view value, char color) {
+    print(fit_left(label, width == 0 ? 0 : width - 1) + (width == 0 ? "" : " "));
+    print(value, color);
+    if (color != ' ') set_color('w');
+}
+
+void print_labelm_line(std::size_t width, std::string_view label, std::string_view value, char color) {
+    print_labelm(width, label, value, color);
+    print_line();
+}
+
+void print_warning(std::string_view text) {
+    print_line();
+    print_line(text, 'R');
+    set_color('w');
+}
+
+std::string read_line(char color) {
+    static bool ended = false;
+    set_color(color);
+    std::string line;
+    for (;;) {
+        const platform::LineStatus status = platform::read_line(line);
+        if (status == platform::LineStatus::too_long) {
+            print_line("Input line is too long. Please enter at most " + std::to_string(platform::max_line_bytes)
+                           + " characters.",
+                       'R');
+            set_color(color == ' ' ? 'w' : color);
+            continue;
+        }
+        if (status == platform::LineStatus::end_of_input) {
+            if (ended) fatal_stop("The input has ended, but an answer is needed. Stopping.");
+            ended = true;
+        }
+        break;
+    }
+    while (!line.empty() && static_cast<unsigned char>(line.back()) < 32) line.pop_back();
+    return line;
+}
+
+void pause(char color) {
+    if (!platform::input_is_terminal()) return;
+    set_color(color);
+    platform::wait_for_key();
+}
+
+void fatal_stop() {
+    reset_color();
+    if (process_switches().pause_on_fatal_exit) pause();
+    platform::end_process(1);
+}
+
+void fatal_stop(std::string_view text) {
+    print_line();
+    print_line(text, 'R');
+    set_color('w');
+    fatal_stop();
+}
+
+} // namespace zvp

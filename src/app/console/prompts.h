@@ -1,0 +1,25 @@
+#pragma once
+// Questions to the user. Each prints its label (in white, when a colour is given), reads the answer in the colour,
+// and asks again, without a message, until the value is in range. A prompt that could only repeat itself because the
+// input has ended stops the program (see read_line()).
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace zvp {
+
+/// An unsigned decimal number in lo .. hi; an empty line is 0.
+std::uint32_t prompt_int(std::string_view label, std::uint32_t lo, std::uint32_t hi, char color = ' ');
+std::uint64_t prompt_int64(std::string_view label, std::uint64_t lo, std::uint64_t hi, char color = ' ');
+
+/// A byte count.
+std::uint64_t prompt_size(std::string_view label, char color = ' ');
+
+/// A digit count in lo .. hi with the suffixes of the digit menu, which are explained first.
+std::uint64_t prompt_digits(std::string_view label, std::uint64_t lo, std::uint64_t hi);
+
+/// A line as it stands.
+std::string prompt_line(std::string_view label, char color = ' ');
+
+} // namespace zvp
