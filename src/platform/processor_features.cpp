@@ -1,7 +1,9 @@
 #include "platform/processor_features.h"
 
 #include <cpuid.h>
+#include <array>
 #include <cstdint>
+#include <cstring>
 
 namespace zvp::platform {
 
@@ -57,6 +59,20 @@ ProcessorFeatures read_processor_features() {
 const ProcessorFeatures& processor_features() {
     static const ProcessorFeatures features = read_processor_features();
     return features;
+}
+
+std::string processor_name() {
+    std::array<unsigned, 12> text{};
+    for (unsigned i = 0; i < 3; ++i) {
+        const Leaf leaf = cpuid(0x80000002 + i);
+        const unsigned registers[4] = {leaf.eax, leaf.ebx, leaf.ecx, leaf.edx};
+        std::memcpy(&text[4 * i], registers, sizeof registers);
+    }
+    std::string name(reinterpret_cast<const char*>(text.data()), sizeof text);
+    name.resize(name.find('\0') == std::string::npos ? name.size() : name.find('\0'));
+    const std::size_t first = name.find_first_not_of(' ');
+    const std::size_t last = name.find_last_not_of(' ');
+    return first == std::string::npos ? "Unable to Detect" : name.substr(first, last - first + 1);
 }
 
 } // namespace zvp::platform

@@ -1,6 +1,8 @@
 #pragma once
 // Processor and operating system features that the start-up check and the choice of kernels ask for.
 
+#include <string>
+
 namespace zvp::platform {
 
 /// Flags from the cpuid instruction; a leaf that the processor doesn't have leaves its flags false.
@@ -26,5 +28,8 @@ ProcessorFeatures read_processor_features();
 
 /// The features of this machine, read once.
 const ProcessorFeatures& processor_features();
+
+/// The processor's brand string; "Unable to Detect" where it has none.
+std::string processor_name();
 
 } // namespace zvp::platform

@@ -4,7 +4,7 @@
 
 namespace zvp::platform {
 
-std::string system_error_text(int error) {
+std::string_view system_error_text(int error) noexcept {
     switch (error) {
     case ENOENT:
     case ENOTDIR: return "Path does not exist.";

@@ -8,6 +8,7 @@
 #include "platform/clock.h"
 #include "platform/console_io.h"
 
+#include <algorithm>
 #include <exception>
 #include <mutex>
 
@@ -131,17 +132,9 @@ void LinearConsoleRoot::end_task(double seconds) {
     set_color('w');
 }
 
-void LinearConsoleRoot::push_cell(StatusCell cell) {
-    total_length += column_count(cell.text);
-    cells.push_back(std::move(cell));
-}
+void LinearConsoleRoot::push_cell(StatusCell cell) { cells.push_back(std::move(cell)); }
 
-void LinearConsoleRoot::pop_cells(std::size_t count) {
-    for (; count > 0 && !cells.empty(); --count) {
-        total_length -= column_count(cells.back().text);
-        cells.pop_back();
-    }
-}
+void LinearConsoleRoot::pop_cells(std::size_t count) { cells.resize(cells.size() - std::min(count, cells.size())); }
 
 LinearConsoleNode::~LinearConsoleNode() {
     child.reset();

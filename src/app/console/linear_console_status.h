@@ -47,7 +47,6 @@ private:
     std::uint64_t last_refresh = 0; // coarse_counter()
     bool displayed = false;
     const std::uint64_t refresh_interval; // nanoseconds
-    std::size_t total_length = 0;         // columns of all cells
 };
 
 class LinearConsoleNode : public StatusNode {

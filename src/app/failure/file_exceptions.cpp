@@ -28,7 +28,7 @@ void PathException::print_body() const {
 }
 
 std::string with_system_error(std::string_view message, std::int32_t error_code) {
-    return std::string(message) + "\n\n" + platform::system_error_text(error_code);
+    return std::string(message) + "\n\n" + std::string(platform::system_error_text(error_code));
 }
 
 } // namespace zvp

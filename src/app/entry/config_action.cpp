@@ -1,0 +1,39 @@
+#include "app/entry/config_action.h"
+
+#include "app/console/unbuilt.h"
+#include "app/failure/exceptions.h"
+#include "app/failure/registry.h"
+#include "app/notation/config_file.h"
+
+namespace zorvane {
+
+namespace {
+
+using ConfigAction = void (*)(const zvp::Object& settings);
+
+/// What the key "Action" of a configuration file may say. The settings stand under a key of the same name.
+const zvp::Registry<ConfigAction>& config_actions() {
+    static const zvp::Registry<ConfigAction> table(
+        "Duplicate Action",
+        {
+            {"CustomCompute", [](const zvp::Object&) { zvp::stop_unbuilt("Running \"CustomCompute\""); }},
+            {"BenchIO", [](const zvp::Object&) { zvp::stop_unbuilt("Running \"BenchIO\""); }},
+            {"StressTest", [](const zvp::Object&) { zvp::stop_unbuilt("Running \"StressTest\""); }},
+        });
+    return table;
+}
+
+} // namespace
+
+void config_action(CommandLine::CommandLine& line) {
+    if (line.at_end()) throw CommandLine::CommandLineException("Please specify a config file.");
+    const std::string path = zvp::config_path(line.take_parameter());
+    const std::unique_ptr<zvp::Node> root = zvp::load_notation_file(path);
+    const zvp::Object& file = root->as_object("config_action()");
+    const std::string& name = file.get_string("Action");
+    const ConfigAction* action = config_actions().find(name);
+    if (!action) throw zvp::InvalidParametersException("", "Invalid Action: " + name);
+    (*action)(file.get_object(name));
+}
+
+} // namespace zorvane

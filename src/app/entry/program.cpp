@@ -1,0 +1,79 @@
+#include "app/entry/program.h"
+
+#include "app/console/console.h"
+#include "app/console/process_switches.h"
+#include "app/entry/actions.h"
+#include "app/entry/crash_report.h"
+#include "app/entry/global_options.h"
+#include "app/entry/startup_checks.h"
+#include "app/failure/exception.h"
+#include "app/menus/main_menu.h"
+#include "platform/process.h"
+
+#include <exception>
+
+namespace zorvane {
+
+namespace {
+
+void set_executable_path() {
+    const std::optional<std::string> path = zvp::platform::executable_path();
+    if (!path) zvp::fatal_stop("Failed to retrieve path.");
+    zvp::process_switches().executable_path = *path;
+    zvp::process_switches().executable_directory = path->substr(0, path->find_last_of("/\\") + 1);
+}
+
+/// Start-up behind the command line, and the action.
+void run_guarded(CommandLine::CommandLine& line) {
+    global_options().scan(zvp::process_switches(), line);
+    install_crash_filter();
+    apply_priority();
+    run_startup_checks();
+    if (resume_if_unfinished()) return;
+    if (line.at_end()) {
+        main_menu();
+    } else {
+        run_action(line);
+    }
+}
+
+/// The exit code of what run_guarded() did.
+int run_with_guard(CommandLine::CommandLine& line) {
+    try {
+        run_guarded(line);
+        return 0;
+    } catch (const zvp::Exception& exception) {
+        exception.print();
+    } catch (const std::exception& exception) {
+        zvp::set_color('R');
+        zvp::print_labelc("Uncaught std exception", exception.what());
+        zvp::print_line();
+        zvp::set_color('w');
+    }
+    return 1;
+}
+
+/// -2 never pauses, -1 pauses after a failure, 1 always does; 0 is -1 for a program that was started from a console
+/// and 1 for one that has a window of its own.
+void pause_at_end(int code) {
+    const zvp::ProcessSwitches& switches = zvp::process_switches();
+    int mode = switches.pause_mode;
+    if (mode == 0) mode = switches.started_from_console ? -1 : 1;
+    const bool skips = mode < (code != 0 ? -1 : 1);
+    if (!skips) zvp::pause();
+}
+
+} // namespace
+
+int run_program(std::vector<std::string> parameters) {
+    zvp::platform::ignore_broken_pipes();
+    set_executable_path();
+    CommandLine::CommandLine line(std::move(parameters));
+    const int code = run_with_guard(line);
+    zvp::reset_color();
+    zvp::print_line();
+    pause_at_end(code);
+    return code;
+}
+
+} // namespace zorvane

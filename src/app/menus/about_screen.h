@@ -1,0 +1,7 @@
+#pragma once
+
+namespace zorvane {
+
+void about_screen();
+
+} // namespace zorvane

@@ -1,0 +1,27 @@
+// The extractor's kernels in the avx512 set.
+
+#include "bbp/bbp_kernels.h"
+#include "bbp/kernels/kernel_tables.h"
+#include "platform/simd/intrinsics.h"
+
+#include "platform/simd/target_avx512_begin.inl"
+
+#include "platform/simd/simd_avx512.h"
+
+namespace zvp::avx512 {
+
+namespace {
+
+constexpr platform::KernelSet this_set = platform::KernelSet::avx512;
+
+#include "bbp/kernels/modular_fused.inl"
+
+#include "bbp/kernels/bbp_kernels.inl"
+
+} // namespace
+
+const BBPv2::BBPKernels& bbp_kernel_table() { return bbp_kernels; }
+
+} // namespace zvp::avx512
+
+#include "platform/simd/target_end.inl"

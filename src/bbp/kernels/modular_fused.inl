@@ -1,0 +1,67 @@
+// Modular arithmetic on doubles with fused multiply-add. Included in a kernel set's namespace.
+//
+// All numbers are exact integers. For a divisor m below 2^51, i is 1/m rounded. Adding and subtracting
+// magic = 3 * 2^51 rounds a double below 2^51 in magnitude to an integer.
+//
+// square(): with |x| <= c * m and y = x * 2x (or x * x), let h = y rounded, l = y - h (exact, by fusion), and q the
+// integer that h * i rounds to. Then h - q * m is exact in one fused operation, since it is an integer below 2^53, and
+// so is its sum with l. What is left is congruent to y, and its bound follows from three errors:
+//   1/2            rounding of q,
+//   2^-53 * |q|    the relative error of i, as |q| <= 2 c^2 m,
+//   |l| / m        at most 2^-53 * |y| / m = 2^-53 * 2 c^2 m.
+// Mode A, m < 2^49: c <= 1/2 + 2^-3 c^2 + 2^-3 c^2 holds for c = 0.5858, and |q| <= 0.69 * 2^49.
+// Mode B, m < 2^51: x is reduced at the end, so c <= 1/2 + 2^-53 * 0.9 m < 0.73 at worst and 0.5 in the round that
+// follows the reduction with a quotient of at most 1; |q| <= 2 * 0.25 * 2^51 = 2^50.
+// Both stay below the 2^51 that magic needs.
+
+constexpr double magic = 6755399441055744.0;
+
+/// The bit pattern of `magic`: the bits of (x + magic) are this plus x.
+constexpr std::int64_t magic_bits = 0x4338000000000000;
+
+/// Bits of an exponent whose power of two reduce() takes at once: below 2^64, divided by a divisor of at least
+/// 2^large_divisor_bits, gives a quotient below 2^50.
+constexpr int head_bits_large_divisors = 6;
+
+struct ModulusBlock {
+    alignas(64) double m[BBPv2::block_terms];
+    alignas(64) double inverse[BBPv2::block_terms];
+
+    ZVP_KERNEL_INLINE void set(std::size_t at, VecD divisors) {
+        divisors.store(m + at);
+        (VecD::broadcast(1.0) / divisors).store(inverse + at);
+    }
+};
+
+struct Modulus {
+    VecD m, inverse;
+
+    ZVP_KERNEL_INLINE Modulus(const ModulusBlock& block, std::size_t at)
+        : m(VecD::load(block.m + at)), inverse(VecD::load(block.inverse + at)) {}
+
+    /// x modulo m, in about [-m/2, m/2].
+    ZVP_KERNEL_INLINE VecD reduce(VecD x) const {
+        const VecD big = VecD::broadcast(magic);
+        return fnmadd(fmadd(x, inverse, big) - big, m, x);
+    }
+
+    /// x^2 or, where `doubling` is 1 << 52, 2 x^2, modulo m. The doubling is one integer addition to the exponent field
+    /// of a factor; a factor of 0 becomes 2^-1022, and 0 times that is still 0.
+    ZVP_KERNEL_INLINE VecD square(VecD x, VecI doubling, bool reduce_result) const {
+        const VecD big = VecD::broadcast(magic);
+        const VecD factor = VecD::from_bits(x.bits() + doubling);
+        const VecD high = x * factor;
+        const VecD low = fmsub(x, factor, high);
+        const VecD q = fmadd(high, inverse, big) - big;
+        const VecD y = fnmadd(q, m, high) + low;
+        return reduce_result ? reduce(y) : y;
+    }
+
+    /// One step of long division: adds the bits of (magic + x / m) to `sum` and returns the remainder.
+    ZVP_KERNEL_INLINE VecD divide(VecD x, VecI& sum) const {
+        const VecD big = VecD::broadcast(magic);
+        const VecD rounded = fmadd(x, inverse, big);
+        sum = sum + rounded.bits();
+        return fnmadd(rounded - big, m, x);
+    }
+};

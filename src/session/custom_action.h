@@ -1,0 +1,33 @@
+#pragma once
+// The action "custom": compute a constant.
+
+#include "session/resource_options.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace zorvane {
+
+struct CustomRequest : ResourceRequest {
+    std::string constant; // its name on the command line
+    std::string argument; // behind the name's ":"
+    std::optional<std::string> algorithm;
+    std::optional<std::uint64_t> decimal_digits;
+    std::optional<std::uint64_t> hexadecimal_digits; // 0 is none
+    std::optional<std::string> output_path;
+    std::optional<bool> output_enabled;
+    std::optional<std::int32_t> compression; // 0 text, -1 one compressed file, N > 0 digits per compressed file
+    std::optional<bool> verify_output;
+};
+
+/// The options behind the constant's name.
+const CommandLine::OptionTable<CustomRequest>& custom_options();
+
+/// Without parameters the menu of custom computations; else a constant's name and its options.
+void custom_action(CommandLine::CommandLine& line);
+
+/// The menu of custom computations.
+void custom_menu();
+
+} // namespace zorvane

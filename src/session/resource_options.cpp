@@ -1,0 +1,52 @@
+#include "session/resource_options.h"
+
+#include "app/console/value_parsers.h"
+#include "app/failure/exceptions.h"
+
+#include <algorithm>
+
+namespace zorvane {
+
+namespace {
+
+void require_swap_mode(const ResourceRequest& request, const CommandLine::CommandLine& line) {
+    if (!request.swap_mode)
+        throw zvp::InvalidParametersException("", "Option " + line.key() + " is not supported for this mode.");
+}
+
+} // namespace
+
+void take_allocator(ResourceRequest& request, CommandLine::CommandLine& line) { request.allocator = line.take_value(); }
+
+void take_framework(ResourceRequest& request, CommandLine::CommandLine& line) { request.framework = line.take_value(); }
+
+void take_task_decomposition(ResourceRequest& request, CommandLine::CommandLine& line) {
+    const std::uint32_t count = zvp::parse_u32(line.take_value());
+    if (count < 1 || count > max_task_decomposition)
+        throw zvp::InvalidParametersException("", "Task decomposition must be between 1 and "
+                                                      + std::to_string(max_task_decomposition));
+    request.task_decomposition = count;
+}
+
+void take_memory(ResourceRequest& request, CommandLine::CommandLine& line) {
+    require_swap_mode(request, line);
+    request.memory = zvp::parse_bytes(line.take_value());
+}
+
+void take_bytes_per_seek(ResourceRequest& request, CommandLine::CommandLine& line) {
+    require_swap_mode(request, line);
+    constexpr std::uint64_t lowest = 4096, highest = (std::uint64_t{1} << 31) - 1;
+    request.bytes_per_seek = std::clamp(zvp::parse_bytes(line.take_value()), lowest, highest);
+}
+
+void take_far_memory(ResourceRequest& request, CommandLine::CommandLine& line) {
+    require_swap_mode(request, line);
+    if (line.value() != "raid0" && line.value() != "raid3")
+        throw zvp::InvalidParametersException("", "Unrecognized mode: " + line.value());
+    request.far_memory = line.take_value();
+    while (!line.at_end()) request.far_memory_paths.push_back(line.take_parameter());
+    if (request.far_memory_paths.empty())
+        throw zvp::InvalidParametersException("", "Invalid RaidFile configuration.");
+}
+
+} // namespace zorvane

@@ -1,0 +1,39 @@
+#pragma once
+// Options that the computing actions share: threads, memory, disks.
+
+#include "app/notation/command_line.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zorvane {
+
+/// What the command line asks for; what it leaves open is the session's default.
+struct ResourceRequest {
+    bool swap_mode = false;
+    std::optional<std::string> allocator;            // keyword
+    std::optional<std::string> framework;            // keyword
+    std::optional<std::uint32_t> task_decomposition; // 1 .. max_task_decomposition
+    std::optional<std::uint64_t> memory;             // bytes; swap mode only
+    std::optional<std::uint64_t> bytes_per_seek;     // swap mode only
+    std::optional<std::string> far_memory;           // keyword of the array; swap mode only
+    std::vector<std::string> far_memory_paths;
+};
+
+inline constexpr std::uint32_t max_task_decomposition = 65'536;
+
+/// Handlers of -MA, -PF, -TD, -M, -minIO and -swap. One that needs swap mode fails without it with
+/// "Option -M is not supported for this mode.".
+using ResourceHandler = void (*)(ResourceRequest&, CommandLine::CommandLine&);
+
+void take_allocator(ResourceRequest& request, CommandLine::CommandLine& line);
+void take_framework(ResourceRequest& request, CommandLine::CommandLine& line);
+void take_task_decomposition(ResourceRequest& request, CommandLine::CommandLine& line);
+void take_memory(ResourceRequest& request, CommandLine::CommandLine& line);
+void take_bytes_per_seek(ResourceRequest& request, CommandLine::CommandLine& line);
+void take_far_memory(ResourceRequest& request, CommandLine::CommandLine& line);
+
+} // namespace zorvane

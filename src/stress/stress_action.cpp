@@ -1,0 +1,53 @@
+#include "stress/stress_action.h"
+
+#include "app/console/build_info.h"
+#include "app/console/unbuilt.h"
+#include "app/console/value_parsers.h"
+
+#include <algorithm>
+
+namespace StressTest {
+
+namespace {
+
+using Line = CommandLine::CommandLine;
+using Table = CommandLine::OptionTable<StressRequest>;
+
+std::vector<std::pair<std::string, Table::Handler>> stress_rows() {
+    std::vector<std::pair<std::string, Table::Handler>> rows{
+        {"-M",
+         [](StressRequest& request, Line& line) {
+             request.memory = std::min(zvp::parse_bytes(line.take_value()), zvp::memory_setting_cap());
+         }},
+        {"-D",
+         [](StressRequest& request, Line& line) {
+             request.seconds_per_test = std::clamp(zvp::parse_u32(line.take_value()), 1u, max_seconds);
+         }},
+        {"-TL",
+         [](StressRequest& request, Line& line) {
+             request.seconds_total = std::min(zvp::parse_u32(line.take_value()), max_seconds);
+         }},
+        // A test of other builds: known by name, refused like a word that isn't known.
+        {"C17", [](StressRequest&, Line& line) { CommandLine::reject_parameter(line); }},
+    };
+    for (const char* tag : {"BKT", "BBP", "FFT", "N32", "N64", "HNT", "VST"})
+        rows.emplace_back(tag, [](StressRequest& request, Line& line) { request.tests.insert(line.take_parameter()); });
+    return rows;
+}
+
+} // namespace
+
+const Table& stress_options() {
+    static const Table table(stress_rows());
+    return table;
+}
+
+void stress_action(Line& line) {
+    StressRequest request;
+    CommandLine::apply_options(stress_options(), request, line);
+    zvp::stop_unbuilt("The stress test (action \"stress\")");
+}
+
+void stress_menu() { zvp::stop_unbuilt("The Component Stress Tester"); }
+
+} // namespace StressTest
