@@ -2,7 +2,7 @@
 // The inner loops of the extractor, one table for each kernel set.
 //
 // A sum is kept in base 2^48: n digits, the most significant first, each a signed 64-bit sum in `lanes` running sums;
-// digit j of lane i is digits[j * lanes + i]. One call adds less than 2^59 to the magnitude of a digit over all lanes,
+// digit j of lane i is digits[j * lanes + i]. One call adds at most 2^59 to the magnitude of a digit over all lanes,
 // so that a buffer that was normalised before the call can't overflow in it.
 
 #include "platform/kernel_set.h"

@@ -1,4 +1,5 @@
-// The kernels of the extractor. Included in a kernel set's namespace, behind its vector types and modular arithmetic.
+// The kernels of the extractor. Included in a kernel set's namespace, behind its vectors (Doubles, Integers) and modular
+// arithmetic.
 //
 //   block of 64 terms:   divisors m, m + a, m + 2a ...     exponents e, e - s, e - 2s ...
 //   1. raise             x = 2^(top bits of e), then one squaring for each further bit of e, doubled where the bit is 1
@@ -11,7 +12,7 @@ struct TermBlock {
     ModulusBlock modulus;
 };
 
-constexpr std::size_t lanes = VecD::lanes;
+constexpr std::size_t lanes = Doubles::lanes;
 constexpr double digit_base = 281474976710656.0; // 2^48
 constexpr int mantissa_bits = 52;
 constexpr std::int64_t exponent_unit = std::int64_t{1} << mantissa_bits;
@@ -20,16 +21,16 @@ constexpr std::int64_t exponent_unit = std::int64_t{1} << mantissa_bits;
 constexpr std::uint64_t large_divisor = std::uint64_t{1} << 14;
 
 /// 0, 1, 2 ... in the lanes.
-ZVP_KERNEL_INLINE VecD lane_numbers() {
+ZVP_KERNEL_INLINE Doubles lane_numbers() {
     alignas(64) static constexpr double numbers[8] = {0, 1, 2, 3, 4, 5, 6, 7};
-    return VecD::load(numbers);
+    return Doubles::load(numbers);
 }
 
 /// Divisors first + i * step for the whole block; exact, as they are below 2^53.
 ZVP_KERNEL_INLINE void set_divisors(TermBlock& block, std::uint64_t first, std::uint64_t step) {
-    const VecD stride = VecD::broadcast(static_cast<double>(step));
-    VecD divisors = VecD::broadcast(static_cast<double>(first)) + stride * lane_numbers();
-    const VecD advance = stride * VecD::broadcast(static_cast<double>(lanes));
+    const Doubles stride = Doubles::broadcast(static_cast<double>(step));
+    Doubles divisors = Doubles::broadcast(static_cast<double>(first)) + stride * lane_numbers();
+    const Doubles advance = stride * Doubles::broadcast(static_cast<double>(lanes));
     for (std::size_t at = 0; at < BBPv2::block_terms; at += lanes) {
         block.modulus.set(at, divisors);
         divisors = divisors + advance;
@@ -43,21 +44,21 @@ ZVP_KERNEL_INLINE void set_exponents(TermBlock& block, std::uint64_t first, std:
 
 /// x = x^2 or 2 x^2 for all terms, by one bit of their exponents that they share.
 ZVP_KERNEL_INLINE void square_by_shared_bit(TermBlock& block, std::int64_t doubling_bits, bool reduce_result) {
-    const VecI doubling = VecI::broadcast(doubling_bits);
+    const Integers doubling = Integers::broadcast(doubling_bits);
     for (std::size_t at = 0; at < BBPv2::block_terms; at += lanes)
-        Modulus(block.modulus, at).square(VecD::load(block.x + at), doubling, reduce_result).store(block.x + at);
+        Modulus(block.modulus, at).square(Doubles::load(block.x + at), doubling, reduce_result).store(block.x + at);
 }
 
 /// The same, each term by the bit of its own exponent.
 ZVP_KERNEL_INLINE void square_by_own_bit(TermBlock& block, int bit, bool reduce_result) {
-    const VecI mask = VecI::broadcast(exponent_unit);
+    const Integers mask = Integers::broadcast(exponent_unit);
     const int left = bit <= mantissa_bits ? mantissa_bits - bit : 0;
     const int right = bit <= mantissa_bits ? 0 : bit - mantissa_bits;
     const bool shifts_left = right == 0;
     for (std::size_t at = 0; at < BBPv2::block_terms; at += lanes) {
-        const VecI exponents = VecI::load(block.exponent + at);
-        const VecI moved = shifts_left ? shift_left(exponents, left) : shift_right(exponents, right);
-        const VecD x = VecD::load(block.x + at);
+        const Integers exponents = Integers::load(block.exponent + at);
+        const Integers moved = shifts_left ? shift_left(exponents, left) : shift_right(exponents, right);
+        const Doubles x = Doubles::load(block.x + at);
         Modulus(block.modulus, at).square(x, moved & mask, reduce_result).store(block.x + at);
     }
 }
@@ -72,10 +73,10 @@ ZVP_KERNEL_INLINE void raise(TermBlock& block, std::uint64_t largest, std::uint6
     const std::uint64_t difference = largest ^ smallest;
     const int own_bits = difference == 0 ? 0 : 64 - __builtin_clzll(difference);
 
-    const VecI bias = VecI::broadcast(1023);
+    const Integers bias = Integers::broadcast(1023);
     for (std::size_t at = 0; at < BBPv2::block_terms; at += lanes) {
-        const VecI head = shift_right(VecI::load(block.exponent + at), rest);
-        const VecD power = VecD::from_bits(shift_left(head + bias, mantissa_bits));
+        const Integers head = shift_right(Integers::load(block.exponent + at), rest);
+        const Doubles power = Doubles::from_bits(shift_left(head + bias, mantissa_bits));
         Modulus(block.modulus, at).reduce(power).store(block.x + at);
     }
     int bit = rest - 1;
@@ -86,12 +87,12 @@ ZVP_KERNEL_INLINE void raise(TermBlock& block, std::uint64_t largest, std::uint6
 
 /// Adds digits first .. n - 1 of x / m to the sums: each step multiplies x by 2^48 and takes a quotient off.
 ZVP_KERNEL_INLINE void divide(TermBlock& block, std::int64_t* digits, std::size_t first, std::size_t n) {
-    const VecI bias = VecI::broadcast(static_cast<std::int64_t>(BBPv2::block_terms / lanes * std::uint64_t{magic_bits}));
-    const VecD base = VecD::broadcast(digit_base);
+    const Integers bias = Integers::broadcast(static_cast<std::int64_t>(BBPv2::block_terms / lanes * std::uint64_t{magic_bits}));
+    const Doubles base = Doubles::broadcast(digit_base);
     for (std::size_t j = first; j < n; ++j) {
-        VecI sum = VecI::load(digits + j * lanes) - bias;
+        Integers sum = Integers::load(digits + j * lanes) - bias;
         for (std::size_t at = 0; at < BBPv2::block_terms; at += lanes)
-            Modulus(block.modulus, at).divide(VecD::load(block.x + at) * base, sum).store(block.x + at);
+            Modulus(block.modulus, at).divide(Doubles::load(block.x + at) * base, sum).store(block.x + at);
         sum.store(digits + j * lanes);
     }
 }
@@ -130,8 +131,8 @@ zvp::platform::KernelSet sum_shifted(std::int64_t* digits, std::size_t n, const 
     TermBlock block;
     alignas(64) double place[BBPv2::block_terms];
     alignas(64) double dividend[BBPv2::block_terms];
-    const VecI bias = VecI::broadcast(static_cast<std::int64_t>(BBPv2::block_terms / lanes * std::uint64_t{magic_bits}));
-    const VecD base = VecD::broadcast(digit_base);
+    const Integers bias = Integers::broadcast(static_cast<std::int64_t>(BBPv2::block_terms / lanes * std::uint64_t{magic_bits}));
+    const Doubles base = Doubles::broadcast(digit_base);
     for (std::size_t done = 0; done < terms.count; done += BBPv2::block_terms) {
         set_divisors(block, terms.divisor + done * terms.divisor_step, terms.divisor_step);
         const std::uint64_t first_shift = terms.shift + done * terms.shift_step;
@@ -147,11 +148,11 @@ zvp::platform::KernelSet sum_shifted(std::int64_t* digits, std::size_t n, const 
             if (used) last = shift / BBPv2::digit_bits;
         }
         for (std::size_t j = first; j <= last && j < n; ++j) {
-            const VecD here = VecD::broadcast(static_cast<double>(j));
-            VecI sum = VecI::load(digits + j * lanes) - bias;
+            const Doubles here = Doubles::broadcast(static_cast<double>(j));
+            Integers sum = Integers::load(digits + j * lanes) - bias;
             for (std::size_t at = 0; at < BBPv2::block_terms; at += lanes) {
-                const VecD begun = select_equal(VecD::load(place + at), here, VecD::load(dividend + at));
-                const VecD x = VecD::load(block.x + at) * base + begun;
+                const Doubles begun = select_equal(Doubles::load(place + at), here, Doubles::load(dividend + at));
+                const Doubles x = Doubles::load(block.x + at) * base + begun;
                 Modulus(block.modulus, at).divide(x, sum).store(block.x + at);
             }
             sum.store(digits + j * lanes);

@@ -14,6 +14,9 @@ namespace {
 
 constexpr platform::KernelSet this_set = platform::KernelSet::avx512;
 
+using Doubles = VecD;
+using Integers = VecI;
+
 #include "bbp/kernels/modular_fused.inl"
 
 #include "bbp/kernels/bbp_kernels.inl"

@@ -12,6 +12,12 @@ namespace {
 
 constexpr platform::KernelSet this_set = platform::KernelSet::sse3;
 
+#include "platform/simd/vector_pair.inl"
+
+// The split arithmetic has the longest chain of dependent operations: see docs/performance.md.
+using Doubles = PairD;
+using Integers = PairI;
+
 #include "bbp/kernels/modular_split.inl"
 
 #include "bbp/kernels/bbp_kernels.inl"

@@ -10,9 +10,8 @@
 //   2^-53 * |q|    the relative error of i, as |q| <= 2 c^2 m,
 //   |l| / m        at most 2^-53 * |y| / m = 2^-53 * 2 c^2 m.
 // Mode A, m < 2^49: c <= 1/2 + 2^-3 c^2 + 2^-3 c^2 holds for c = 0.5858, and |q| <= 0.69 * 2^49.
-// Mode B, m < 2^51: x is reduced at the end, so c <= 1/2 + 2^-53 * 0.9 m < 0.73 at worst and 0.5 in the round that
-// follows the reduction with a quotient of at most 1; |q| <= 2 * 0.25 * 2^51 = 2^50.
-// Both stay below the 2^51 that magic needs.
+// Mode B, m < 2^51: x is reduced at the end, so that c = 1/2 and a little: |q| <= 2^50 and |y - q * m| <= 3/4 m.
+// The first x, a power of two that reduce() took, has c <= 5/8 and stays inside both.
 
 constexpr double magic = 6755399441055744.0;
 
@@ -27,40 +26,40 @@ struct ModulusBlock {
     alignas(64) double m[BBPv2::block_terms];
     alignas(64) double inverse[BBPv2::block_terms];
 
-    ZVP_KERNEL_INLINE void set(std::size_t at, VecD divisors) {
+    ZVP_KERNEL_INLINE void set(std::size_t at, Doubles divisors) {
         divisors.store(m + at);
-        (VecD::broadcast(1.0) / divisors).store(inverse + at);
+        (Doubles::broadcast(1.0) / divisors).store(inverse + at);
     }
 };
 
 struct Modulus {
-    VecD m, inverse;
+    Doubles m, inverse;
 
     ZVP_KERNEL_INLINE Modulus(const ModulusBlock& block, std::size_t at)
-        : m(VecD::load(block.m + at)), inverse(VecD::load(block.inverse + at)) {}
+        : m(Doubles::load(block.m + at)), inverse(Doubles::load(block.inverse + at)) {}
 
     /// x modulo m, in about [-m/2, m/2].
-    ZVP_KERNEL_INLINE VecD reduce(VecD x) const {
-        const VecD big = VecD::broadcast(magic);
+    ZVP_KERNEL_INLINE Doubles reduce(Doubles x) const {
+        const Doubles big = Doubles::broadcast(magic);
         return fnmadd(fmadd(x, inverse, big) - big, m, x);
     }
 
     /// x^2 or, where `doubling` is 1 << 52, 2 x^2, modulo m. The doubling is one integer addition to the exponent field
     /// of a factor; a factor of 0 becomes 2^-1022, and 0 times that is still 0.
-    ZVP_KERNEL_INLINE VecD square(VecD x, VecI doubling, bool reduce_result) const {
-        const VecD big = VecD::broadcast(magic);
-        const VecD factor = VecD::from_bits(x.bits() + doubling);
-        const VecD high = x * factor;
-        const VecD low = fmsub(x, factor, high);
-        const VecD q = fmadd(high, inverse, big) - big;
-        const VecD y = fnmadd(q, m, high) + low;
+    ZVP_KERNEL_INLINE Doubles square(Doubles x, Integers doubling, bool reduce_result) const {
+        const Doubles big = Doubles::broadcast(magic);
+        const Doubles factor = Doubles::from_bits(x.bits() + doubling);
+        const Doubles high = x * factor;
+        const Doubles low = fmsub(x, factor, high);
+        const Doubles q = fmadd(high, inverse, big) - big;
+        const Doubles y = fnmadd(q, m, high) + low;
         return reduce_result ? reduce(y) : y;
     }
 
     /// One step of long division: adds the bits of (magic + x / m) to `sum` and returns the remainder.
-    ZVP_KERNEL_INLINE VecD divide(VecD x, VecI& sum) const {
-        const VecD big = VecD::broadcast(magic);
-        const VecD rounded = fmadd(x, inverse, big);
+    ZVP_KERNEL_INLINE Doubles divide(Doubles x, Integers& sum) const {
+        const Doubles big = Doubles::broadcast(magic);
+        const Doubles rounded = fmadd(x, inverse, big);
         sum = sum + rounded.bits();
         return fnmadd(rounded - big, m, x);
     }

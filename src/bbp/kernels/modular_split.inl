@@ -3,11 +3,14 @@
 // All numbers are exact integers. For a divisor m below 2^51, i is 1/m rounded. Adding and subtracting
 // magic = 3 * 2^51 rounds a double below 2^51 in magnitude to an integer; adding and subtracting
 // splitter = 1.5 * 2^78 rounds it to a multiple of 2^26. With every factor split into a high part, a multiple of 2^26
-// below 2^52, and a low part of at most 2^25, all partial products have at most 52 bits. They are summed from the
-// largest down, and as the products of x and q * m cancel to below 2^53, every partial sum is exact.
+// below 2^52, and a low part of at most 2^25, all partial products have at most 53 bits. They are summed from the
+// largest down: a multiple of 2^52 that has cancelled to below 2^79, then multiples of 2^26 below 2^79, then integers
+// below 2^53. So every partial sum is exact.
 //
-// Mode A leaves a doubled result unreduced: |x| <= 2 * 0.6 * m, so that x * x / m stays below 1.5 * 2^49. Mode B, whose
-// divisors reach 2^51, reduces after each step and has |x| <= 0.75 * m.
+// square(): with |x| <= c * m and y = f * x^2, f = 1 or 2, let q be the integer that x * (f x) * i rounds to. The two
+// products and i are each off by at most 2^-53 of their value, so |y - q * m| <= (1/2 + 3 * 2^-53 * 2 c^2 m) * m.
+// Mode A, m < 2^49: c <= 1/2 + 3/8 c^2 holds for c = 2/3, and |q| <= 0.9 * 2^49.
+// Mode B, m < 2^51: x is reduced at the end, so that c = 1/2 and a little, and |q| <= 2^50.
 
 constexpr double magic = 6755399441055744.0;
 
@@ -20,8 +23,8 @@ constexpr double splitter = 453347182355485940514816.0;
 /// exact.
 constexpr int head_bits_large_divisors = 5;
 
-ZVP_KERNEL_INLINE VecD high_part(VecD x) {
-    const VecD big = VecD::broadcast(splitter);
+ZVP_KERNEL_INLINE Doubles high_part(Doubles x) {
+    const Doubles big = Doubles::broadcast(splitter);
     return (x + big) - big;
 }
 
@@ -31,47 +34,48 @@ struct ModulusBlock {
     alignas(64) double high[BBPv2::block_terms];
     alignas(64) double low[BBPv2::block_terms];
 
-    ZVP_KERNEL_INLINE void set(std::size_t at, VecD divisors) {
-        const VecD upper = high_part(divisors);
+    ZVP_KERNEL_INLINE void set(std::size_t at, Doubles divisors) {
+        const Doubles upper = high_part(divisors);
         divisors.store(m + at);
-        (VecD::broadcast(1.0) / divisors).store(inverse + at);
+        (Doubles::broadcast(1.0) / divisors).store(inverse + at);
         upper.store(high + at);
         (divisors - upper).store(low + at);
     }
 };
 
 struct Modulus {
-    VecD m, inverse, high, low;
+    Doubles m, inverse, high, low;
 
     ZVP_KERNEL_INLINE Modulus(const ModulusBlock& block, std::size_t at)
-        : m(VecD::load(block.m + at)), inverse(VecD::load(block.inverse + at)), high(VecD::load(block.high + at)),
-          low(VecD::load(block.low + at)) {}
+        : m(Doubles::load(block.m + at)), inverse(Doubles::load(block.inverse + at)), high(Doubles::load(block.high + at)),
+          low(Doubles::load(block.low + at)) {}
 
     /// x modulo m, in about [-m/2, m/2], for quotients small enough that their product with m is exact.
-    ZVP_KERNEL_INLINE VecD reduce(VecD x) const {
-        const VecD big = VecD::broadcast(magic);
+    ZVP_KERNEL_INLINE Doubles reduce(Doubles x) const {
+        const Doubles big = Doubles::broadcast(magic);
         return x - ((x * inverse + big) - big) * m;
     }
 
     /// x^2 or, where `doubling` is 1 << 52, 2 x^2, modulo m.
-    ZVP_KERNEL_INLINE VecD square(VecD x, VecI doubling, bool reduce_result) const {
-        const VecD big = VecD::broadcast(magic);
-        const VecD q = (x * x * inverse + big) - big;
-        const VecD xh = high_part(x), xl = x - xh;
-        const VecD qh = high_part(q), ql = q - qh;
-        const VecD y = xh * xh - high * qh + xh * (xl + xl) - high * ql - low * qh + xl * xl - low * ql;
-        const VecD one_or_two = VecD::from_bits(VecD::broadcast(1.0).bits() + doubling);
-        const VecD doubled = y * one_or_two;
-        return reduce_result ? reduce(doubled) : doubled;
+    ZVP_KERNEL_INLINE Doubles square(Doubles x, Integers doubling, bool reduce_result) const {
+        const Doubles big = Doubles::broadcast(magic);
+        const Doubles f = Doubles::from_bits(Doubles::broadcast(1.0).bits() + doubling);
+        const Doubles fx = f * x;
+        const Doubles q = (x * fx * inverse + big) - big;
+        const Doubles xh = high_part(x), xl = x - xh, fxl = f * xl;
+        const Doubles qh = high_part(q), ql = q - qh;
+        const Doubles y =
+            f * xh * xh - high * qh + xh * (fxl + fxl) - high * ql - low * qh + xl * fxl - low * ql;
+        return reduce_result ? reduce(y) : y;
     }
 
     /// One step of long division: adds the bits of (magic + x / m) to `sum` and returns the remainder.
-    ZVP_KERNEL_INLINE VecD divide(VecD x, VecI& sum) const {
-        const VecD big = VecD::broadcast(magic);
-        const VecD rounded = x * inverse + big;
+    ZVP_KERNEL_INLINE Doubles divide(Doubles x, Integers& sum) const {
+        const Doubles big = Doubles::broadcast(magic);
+        const Doubles rounded = x * inverse + big;
         sum = sum + rounded.bits();
-        const VecD q = rounded - big;
-        const VecD qh = high_part(q), ql = q - qh;
+        const Doubles q = rounded - big;
+        const Doubles qh = high_part(q), ql = q - qh;
         return x - high * qh - high * ql - low * qh - low * ql;
     }
 };
