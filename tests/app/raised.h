@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/failure/file_exceptions.h"
+#include "app/failure/exceptions.h"
 
 #include <string>
 
@@ -12,8 +12,6 @@ std::string raised_by(Function&& function) {
     try {
         function();
     } catch (const zvp::StringException& exception) {
-        return std::string(exception.get_typename()) + ": " + exception.message;
-    } catch (const zvp::PathException& exception) {
         return std::string(exception.get_typename()) + ": " + exception.message;
     } catch (const std::exception& exception) {
         return exception.what();

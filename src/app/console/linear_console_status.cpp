@@ -73,6 +73,7 @@ void LinearConsoleRoot::print(const StatusCell& cell) {
 }
 
 void LinearConsoleRoot::end_line() {
+    erase();
     set_color('w');
     zvp::print_line();
 }

@@ -6,7 +6,7 @@
 
 namespace zvp {
 
-/// The number of code points of `text`; a byte that isn't valid UTF-8 counts as one.
+/// The number of code points of `text`, told by the bytes that begin one.
 std::size_t column_count(std::string_view text);
 
 /// `text` cut or padded with blanks on its right to exactly `columns` columns.

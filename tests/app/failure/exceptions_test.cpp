@@ -1,8 +1,6 @@
 #include "app/console/process_switches.h"
 #include "app/failure/exception_registry.h"
-#include "app/failure/exceptions.h"
 #include "app/failure/file_exceptions.h"
-#include "app/raised.h"
 #include "support/program.h"
 
 #include <set>
