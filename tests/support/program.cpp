@@ -55,18 +55,18 @@ Child start_on_pipes(const ProgramRun& run) {
     return {process, in[1], out[0]};
 }
 
-ProgramResult drive(const ProgramRun& run, const std::string& marker, int signal) {
+ProgramResult drive(const ProgramRun& run, const std::string& marker, const std::function<void(int)>& action) {
     std::signal(SIGPIPE, SIG_IGN);
     const Child child = run.terminal ? start_on_terminal(run) : start_on_pipes(run);
     fcntl(child.input, F_SETFL, fcntl(child.input, F_GETFL) | O_NONBLOCK);
     std::string_view unsent = run.input;
     ProgramResult result;
-    bool signalled = signal == 0;
+    bool acted = !action;
     bool input_open = true;
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(run.seconds);
     for (;;) {
         if (std::chrono::steady_clock::now() > deadline) kill(child.process, SIGKILL);
-        if (input_open && !run.terminal && unsent.empty() && signalled) {
+        if (input_open && !run.terminal && unsent.empty() && acted) {
             close(child.input);
             input_open = false;
         }
@@ -84,9 +84,9 @@ ProgramResult drive(const ProgramRun& run, const std::string& marker, int signal
             if (got <= 0) break; // a terminal whose program ended reads as an error
             result.output.append(block, static_cast<std::size_t>(got));
         }
-        if (!signalled && result.output.find(marker) != std::string::npos) {
-            kill(child.process, signal);
-            signalled = true;
+        if (!acted && result.output.find(marker) != std::string::npos) {
+            action(child.process);
+            acted = true;
         }
     }
     if (input_open && child.input != child.output) close(child.input);
@@ -106,10 +106,21 @@ std::filesystem::path make_folder() {
 
 } // namespace
 
-ProgramResult run_program(const ProgramRun& run) { return drive(run, "", 0); }
+ProgramResult run_program(const ProgramRun& run) { return drive(run, "", nullptr); }
 
-ProgramResult run_and_signal(const ProgramRun& run, const std::string& marker, int signal) {
-    return drive(run, marker, signal);
+ProgramResult run_and_act(const ProgramRun& run, const std::string& marker,
+                          const std::function<void(int process)>& action) {
+    return drive(run, marker, action);
+}
+
+std::string describe(const ProgramRun& run, const ProgramResult& result) {
+    constexpr std::size_t shown = 4000;
+    std::string text = "Command:";
+    for (const auto& [name, value] : run.environment) text += " " + name + "='" + value + "'";
+    for (const std::string& argument : run.arguments) text += " '" + argument.substr(0, shown) + "'";
+    return text + "\nInput: " + run.input.substr(0, shown) + "\nExit code: " + std::to_string(result.exit_code)
+           + ", signal: " + std::to_string(result.signal) + "\nOutput:\n" + result.output.substr(0, shown)
+           + "\n";
 }
 
 TemporaryFolder::TemporaryFolder() : path(make_folder()) {}

@@ -2,6 +2,7 @@
 // Runs programs from outside: arguments and input in, output, exit code and files back.
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,9 +26,13 @@ struct ProgramRun {
 
 ProgramResult run_program(const ProgramRun& run);
 
-/// Starts the program, sends it `signal` once its output contains `marker`, and waits for its end. The input stays
-/// open until then.
-ProgramResult run_and_signal(const ProgramRun& run, const std::string& marker, int signal);
+/// Starts the program, calls `action` with its process id once its output contains `marker`, and waits for its
+/// end. The input stays open until then.
+ProgramResult run_and_act(const ProgramRun& run, const std::string& marker,
+                          const std::function<void(int process)>& action);
+
+/// The command line, the input and what came of it, for the message of a failed test.
+std::string describe(const ProgramRun& run, const ProgramResult& result);
 
 /// A folder that is removed at the end of the test.
 class TemporaryFolder {

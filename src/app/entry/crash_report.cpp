@@ -65,15 +65,13 @@ void on_fault(const zvp::platform::Fault& fault) {
     const zvp::platform::CrashRecordResult result = zvp::platform::write_crash_record(fault, name.c_str());
     if (!result.created) {
         report_failure("Unable to create dump file: ", result.error);
+    } else if (result.error != 0) {
+        report_failure("Unable to create minidump: ", result.error);
     } else {
-        if (result.error != 0) {
-            report_failure("Unable to create minidump: ", result.error);
-        } else {
-            zvp::print("Done!\n\nThe program will now exit.\n");
-        }
-        zvp::print("\n");
-        zvp::pause();
+        zvp::print("Done!\n\nThe program will now exit.\n");
     }
+    zvp::print("\n");
+    zvp::pause();
     zvp::reset_color();
     zvp::console_mutex().unlock();
 }

@@ -75,14 +75,15 @@ std::vector<Sample> samples() {
 }
 
 TEST(Exceptions, PrintTheirLayoutAndKeepTypeAndFieldsInCopies) {
-    for (const auto& [exception, report] : samples()) {
-        EXPECT_EQ(printed_by([&] { exception->print(); }), report);
-        const std::unique_ptr<Exception> clone = exception->clone();
+    for (const Sample& sample : samples()) {
+        const Exception& exception = *sample.exception;
+        EXPECT_EQ(printed_by([&] { exception.print(); }), sample.report);
+        const std::unique_ptr<Exception> clone = exception.clone();
         try {
             clone->fire();
         } catch (const Exception& thrown) {
-            EXPECT_EQ(typeid(thrown), typeid(*exception));
-            EXPECT_EQ(printed_by([&] { thrown.print(); }), report);
+            EXPECT_EQ(typeid(thrown), typeid(exception));
+            EXPECT_EQ(printed_by([&] { thrown.print(); }), sample.report);
         }
     }
     const DigitViewer2::InconsistentMetaData inconsistent("f()", "text", "a/b", 0);
@@ -100,7 +101,7 @@ TEST(ExceptionBytes, RebuildTheSameReport) {
         const auto rebuilt = rebuild_exception(type, cursor);
         ASSERT_TRUE(rebuilt);
         EXPECT_TRUE(cursor.at_end());
-        EXPECT_EQ(typeid(*rebuilt), typeid(*sample.exception));
+        EXPECT_STREQ(rebuilt->get_typename(), type.c_str());
         std::string report = sample.report;
         if (type == "BufferTooSmallException") report.replace(report.find("f()"), 3, ""); // isn't sent
         EXPECT_EQ(printed_by([&] { rebuilt->print(); }), report);
