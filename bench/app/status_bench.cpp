@@ -1,5 +1,5 @@
-// What a status update costs when no refresh is due. Standard output is a pseudo-terminal here, as nothing is drawn
-// elsewhere; the results go to standard error.
+// What a status update costs when no refresh is due. Standard output is a pseudo-terminal here, as nothing is
+// drawn elsewhere; the results go to standard error.
 
 #include "app/console/linear_console_status.h"
 

@@ -42,8 +42,8 @@ void sum_whole_record(benchmark::State& state) {
     const TermRecord record{8, 1, -4, 4 * static_cast<std::int64_t>(terms) + 2, true};
     for (auto _ : state)
         benchmark::DoNotOptimize(sum_record(record, terms, 6, {&mode}, {threads, true}, [](std::uint64_t) {}));
-    state.counters["terms/s"] = benchmark::Counter(static_cast<double>(state.iterations()) * terms,
-                                                   benchmark::Counter::kIsRate);
+    state.counters["terms/s"] =
+        benchmark::Counter(static_cast<double>(state.iterations()) * terms, benchmark::Counter::kIsRate);
 }
 
 } // namespace

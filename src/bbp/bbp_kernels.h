@@ -1,9 +1,9 @@
 #pragma once
 // The inner loops of the extractor, one table for each kernel set.
 //
-// A sum is kept in base 2^48: n digits, the most significant first, each a signed 64-bit sum in `lanes` running sums;
-// digit j of lane i is digits[j * lanes + i]. One call adds at most 2^59 to the magnitude of a digit over all lanes,
-// so that a buffer that was normalised before the call can't overflow in it.
+// A sum is kept in base 2^48: n digits, the most significant first, each a signed 64-bit sum in `lanes` running
+// sums; digit j of lane i is digits[j * lanes + i]. One call adds at most 2^59 to the magnitude of a digit over
+// all lanes, so that a buffer that was normalised before the call can't overflow in it.
 
 #include "platform/kernel_set.h"
 
@@ -44,8 +44,8 @@ struct ShiftedTerms {
     std::size_t count;
 };
 
-/// The functions add the terms, modulo 1, to `digits` (n * lanes sums, 64-byte aligned) and return the set whose code
-/// ran. The divisors are below 2^mode_a_bits, or 2^mode_b_bits for mode B and the shifted terms.
+/// The functions add the terms, modulo 1, to `digits` (n * lanes sums, 64-byte aligned) and return the set
+/// whose code ran. The divisors are below 2^mode_a_bits, or 2^mode_b_bits for mode B and the shifted terms.
 struct BBPKernels {
     std::size_t lanes;
     zvp::platform::KernelSet (*sum_powers_mode_a)(std::int64_t* digits, std::size_t n, const PowerTerms& terms);
@@ -57,4 +57,3 @@ struct BBPKernels {
 const BBPKernels& bbp_kernels(zvp::platform::KernelSet set);
 
 } // namespace BBPv2
-

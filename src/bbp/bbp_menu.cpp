@@ -38,7 +38,8 @@ void BBPSession::print_menu() const {
     print_field("  2     Hexadecimal Offset:", zvp::format_number(offset, NumberForm::commas));
     print_field("  3     Digits to Compute:", zvp::format_number(digits, NumberForm::commas));
     print_line();
-    print_field("        Internal Precision:", zvp::format_number(std::uint64_t{words} * 8, NumberForm::commas), 'Y');
+    print_field("        Internal Precision:", zvp::format_number(std::uint64_t{words} * 8, NumberForm::commas),
+                'Y');
     print_field("        Terms Needed:", zvp::format_number(terms, NumberForm::commas), 'Y');
     print_field("        Largest Divisor:", zvp::format_number(largest_divisor, NumberForm::commas), 'Y');
     print_line();

@@ -69,8 +69,8 @@ void print_run_header(const zorvane::BBPSession& session) {
     print_field("Threads: ", std::to_string(session.threads) + (session.pin ? "  (pinned to cores)" : ""));
     zvp::print_line();
     print_field("Terms Needed: ", zvp::format_number(session.terms, NumberForm::commas));
-    print_field("Internal Precision: ",
-                zvp::format_number(std::uint64_t{session.words} * 8, NumberForm::commas) + " Hexadecimal Digits");
+    print_field("Internal Precision: ", zvp::format_number(std::uint64_t{session.words} * 8, NumberForm::commas)
+                                            + " Hexadecimal Digits");
     zvp::print_line();
     print_field("Start Time", zvp::platform::local_time_text());
     zvp::print_line();

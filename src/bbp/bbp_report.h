@@ -17,7 +17,8 @@ void print_run_header(const zorvane::BBPSession& session);
 
 void print_run_times(double wall_seconds, double user_seconds, double kernel_seconds);
 
-/// All digits of the fraction, in groups of 8: the first `digits` in green, the rest, the working precision, in red.
+/// All digits of the fraction, in groups of 8: the first `digits` in green, the rest, the working precision, in
+/// red.
 void print_digits(const FractionFloat& fraction, std::uint64_t offset, std::uint32_t digits);
 
 } // namespace BBPv2

@@ -34,7 +34,8 @@ void BBPSession::update_settings() {
 
     limit_name = "0";
     limit = 0;
-    for (const auto& [enabled, bits] : {std::pair{mode_a, BBPv2::mode_a_bits}, std::pair{mode_b, BBPv2::mode_b_bits}}) {
+    for (const auto& [enabled, bits] :
+         {std::pair{mode_a, BBPv2::mode_a_bits}, std::pair{mode_b, BBPv2::mode_b_bits}}) {
         if (!enabled) continue;
         limit_name = "2^" + std::to_string(bits) + " - 1";
         limit = (std::uint64_t{1} << bits) - 1;
@@ -74,7 +75,8 @@ BBPv2::FractionFloat BBPSession::sum_records() const {
             node.push_cell({'G', zvp::format_fixed(percent, 6) + " %"});
             node.update();
         };
-        const BBPv2::FractionFloat sum = BBPv2::sum_record(record, terms, words, modes, {threads, pin}, progress);
+        const BBPv2::FractionFloat sum =
+            BBPv2::sum_record(record, terms, words, modes, {threads, pin}, progress);
         record.positive ? total += sum : total -= sum;
         root.end_task(static_cast<double>(zvp::platform::performance_counter() - began) * 1e-9);
     }

@@ -42,9 +42,9 @@ void DigitBuffer::add_to(FractionFloat& out) {
         const std::size_t j = bit / digit_bits;
         const std::size_t inside = bit % digit_bits;
         const std::uint64_t next = j + 1 < n ? digits[j + 1] : 0;
-        const std::uint64_t window = inside <= digit_bits - 32
-                                         ? digits[j] >> (digit_bits - 32 - inside)
-                                         : digits[j] << (inside + 32 - digit_bits) | next >> (2 * digit_bits - 32 - inside);
+        const std::uint64_t window = inside <= digit_bits - 32 ? digits[j] >> (digit_bits - 32 - inside)
+                                                               : digits[j] << (inside + 32 - digit_bits)
+                                                                     | next >> (2 * digit_bits - 32 - inside);
         sum.words[word] = static_cast<std::uint32_t>(window);
     }
     out += sum;

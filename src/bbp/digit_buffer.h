@@ -8,7 +8,8 @@
 
 namespace BBPv2 {
 
-/// The running sums of a kernel in base 2^48, as bbp_kernels.h lays them out, for a fraction of `words` 32-bit words.
+/// The running sums of a kernel in base 2^48, as bbp_kernels.h lays them out, for a fraction of `words` 32-bit
+/// words.
 class DigitBuffer {
 public:
     DigitBuffer(std::size_t words, std::size_t lanes_);
@@ -19,8 +20,8 @@ public:
     std::int64_t* data() { return reinterpret_cast<std::int64_t*>(blocks.data()); }
     std::size_t size() const { return n; }
 
-    /// Brings every digit below 2^48 in magnitude by carrying into the digit before it; the carry out of the first
-    /// is a whole number and dropped.
+    /// Brings every digit below 2^48 in magnitude by carrying into the digit before it; the carry out of the
+    /// first is a whole number and dropped.
     void normalize();
 
     /// Adds the sums of all lanes to `out`, cut to its words. They stay as they are, but for being normalised.

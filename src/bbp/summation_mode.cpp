@@ -61,8 +61,8 @@ void ModeB::sum_powers(std::int64_t* digits, std::size_t n, const PowerTerms& te
     kernels.sum_powers_mode_b(digits, n, terms);
 }
 
-std::vector<ModeRange> SummableRange(const std::vector<const SummationMode*>& modes, std::uint64_t a, std::uint64_t b,
-                                     std::uint64_t k0, std::uint64_t k1) {
+std::vector<ModeRange> SummableRange(const std::vector<const SummationMode*>& modes, std::uint64_t a,
+                                     std::uint64_t b, std::uint64_t k0, std::uint64_t k1) {
     std::vector<ModeRange> ranges;
     std::uint64_t k = k0;
     for (const SummationMode* mode : modes) {
@@ -74,9 +74,9 @@ std::vector<ModeRange> SummableRange(const std::vector<const SummationMode*>& mo
         k = end;
     }
     if (k < k1)
-        throw zvp::InvalidParametersException("BBPv2::SummableRange()", modes.empty()
-                                                                            ? "No modes enabled."
-                                                                            : "No mode is able to handle this range.");
+        throw zvp::InvalidParametersException("BBPv2::SummableRange()",
+                                              modes.empty() ? "No modes enabled."
+                                                            : "No mode is able to handle this range.");
     std::reverse(ranges.begin(), ranges.end());
     return ranges;
 }

@@ -18,9 +18,9 @@ public:
     virtual unsigned limit_bits() const = 0;
     std::uint64_t limit() const { return (std::uint64_t{1} << limit_bits()) - 1; }
 
-    /// Adds to `out`, modulo 1, the sum over k in [k0, k1) of 2^(step * k + start) / (a * k + b), for step < 0. The
-    /// error is below one unit of 2^-(48 n) for each term, n = DigitBuffer::digit_count() of the words of `out`.
-    /// Divisors beyond the limit are told in a warning, once per process.
+    /// Adds to `out`, modulo 1, the sum over k in [k0, k1) of 2^(step * k + start) / (a * k + b), for step < 0.
+    /// The error is below one unit of 2^-(48 n) for each term, n = DigitBuffer::digit_count() of the words of
+    /// `out`. Divisors beyond the limit are told in a warning, once per process.
     void sum_range(FractionFloat& out, std::uint64_t a, std::uint64_t b, std::int64_t step, std::int64_t start,
                    std::uint64_t k0, std::uint64_t k1) const;
 
@@ -67,10 +67,10 @@ struct ModeRange {
     std::uint64_t k1;
 };
 
-/// Cuts [k0, k1) of a record with divisors a * k + b into ranges, each with the first of the modes, in the order given,
-/// that takes its divisors. The ranges with the largest divisors come first. Raises InvalidParametersException when
-/// the modes don't reach k1.
-std::vector<ModeRange> SummableRange(const std::vector<const SummationMode*>& modes, std::uint64_t a, std::uint64_t b,
-                                     std::uint64_t k0, std::uint64_t k1);
+/// Cuts [k0, k1) of a record with divisors a * k + b into ranges, each with the first of the modes, in the
+/// order given, that takes its divisors. The ranges with the largest divisors come first. Raises
+/// InvalidParametersException when the modes don't reach k1.
+std::vector<ModeRange> SummableRange(const std::vector<const SummationMode*>& modes, std::uint64_t a,
+                                     std::uint64_t b, std::uint64_t k0, std::uint64_t k1);
 
 } // namespace BBPv2

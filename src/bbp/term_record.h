@@ -28,11 +28,12 @@ std::string_view formula_display(Formula formula);
 /// The records whose sum is the fraction of 16^offset * Pi.
 ///
 /// 4 terms: D. Bailey, P. Borwein, S. Plouffe, "On the rapid computation of various polylogarithmic constants",
-/// Math. Comp. 66 (1997). 7 terms: F. Bellard, "A new formula to compute the n'th binary digit of pi" (1997), with two
-/// consecutive indices folded into one, so that the signs don't alternate inside a record.
+/// Math. Comp. 66 (1997). 7 terms: F. Bellard, "A new formula to compute the n'th binary digit of pi" (1997),
+/// with two consecutive indices folded into one, so that the signs don't alternate inside a record.
 std::vector<TermRecord> term_records(Formula formula, std::uint64_t offset);
 
-/// How many terms of each record `hex_digits` digits behind the offset need, and the largest divisor among them.
+/// How many terms of each record `hex_digits` digits behind the offset need, and the largest divisor among
+/// them.
 struct TermCount {
     std::uint64_t terms;
     std::uint64_t largest_divisor;

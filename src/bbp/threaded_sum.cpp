@@ -1,10 +1,13 @@
 #include "bbp/threaded_sum.h"
 
+#include "app/failure/exceptions.h"
 #include "platform/threads.h"
 
 #include <algorithm>
 #include <exception>
 #include <mutex>
+#include <string>
+#include <system_error>
 #include <thread>
 
 namespace BBPv2 {
@@ -22,9 +25,9 @@ public:
     FractionFloat run() {
         std::vector<std::thread> threads;
         try {
-            for (std::uint32_t i = 0; i < settings.threads; ++i) threads.emplace_back([this, i] { work(i); });
+            for (std::uint32_t i = 0; i < settings.threads; ++i) start(threads, i);
         } catch (...) {
-            fail(); // a thread that can't be started ends the run, and those that run must be joined first
+            fail(); // those that run must be joined first
         }
         for (std::thread& thread : threads) thread.join();
         if (failure) std::rethrow_exception(failure);
@@ -35,6 +38,17 @@ private:
     struct Chunk {
         std::uint64_t begin, end;
     };
+
+    void start(std::vector<std::thread>& threads, std::uint32_t thread) {
+        try {
+            threads.emplace_back([this, thread] { work(thread); });
+        } catch (const std::system_error& error) {
+            throw zvp::SystemException("BBPv2::sum_record()",
+                                       "Unable to start thread " + std::to_string(thread + 1) + " of "
+                                           + std::to_string(settings.threads) + ".",
+                                       error.code().value());
+        }
+    }
 
     void work(std::uint32_t thread) {
         try {

@@ -32,17 +32,19 @@ const CommandLine::OptionTable<SlaveRequest>& slave_options() {
     static const CommandLine::OptionTable<SlaveRequest> table({
         {"-port", take_port},
         {"-ctype", take_config_type},
-        {"-allowremote", [](auto& request, auto& line) { request.allow_remote = zvp::parse_sL(line.take_value()) != 0; }},
-        {"-printtraffic", [](auto& request, auto& line) { request.print_traffic = zvp::parse_sL(line.take_value()) > 0; }},
+        {"-allowremote",
+         [](auto& request, auto& line) { request.allow_remote = zvp::parse_sL(line.take_value()) != 0; }},
+        {"-printtraffic",
+         [](auto& request, auto& line) { request.print_traffic = zvp::parse_sL(line.take_value()) > 0; }},
     });
     return table;
 }
 
 void slave_action(Line& line) {
-    const std::uint64_t version = zvp::parse_uL(line.take_parameter());
-    if (version != 0)
-        throw zvp::InvalidParametersException("SlaveMode::run()",
-                                              "Unsupported version number: " + std::to_string(version));
+    const std::string& version = line.take_parameter();
+    const bool is_number = version.find_first_not_of("0123456789") == std::string::npos && !version.empty();
+    if (!is_number || zvp::parse_uL(version) != 0)
+        throw zvp::InvalidParametersException("SlaveMode::run()", "Unsupported version number: " + version);
     SlaveRequest request;
     CommandLine::apply_options(slave_options(), request, line);
     zvp::stop_unbuilt("Slave mode (action \"slave\")");

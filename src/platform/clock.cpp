@@ -17,12 +17,14 @@ std::uint64_t read_clock(clockid_t clock) noexcept {
     return static_cast<std::uint64_t>(t.tv_sec) * 1'000'000'000u + static_cast<std::uint64_t>(t.tv_nsec);
 }
 
-double seconds(const timeval& t) { return static_cast<double>(t.tv_sec) + 1e-6 * static_cast<double>(t.tv_usec); }
+double seconds(const timeval& t) {
+    return static_cast<double>(t.tv_sec) + 1e-6 * static_cast<double>(t.tv_usec);
+}
 
 std::atomic<long> utc_offset_seconds{0};
 
-/// Calendar date of a day count since 1970-01-01 (Howard Hinnant, "chrono-Compatible Low-Level Date Algorithms",
-/// civil_from_days).
+/// Calendar date of a day count since 1970-01-01 (Howard Hinnant, "chrono-Compatible Low-Level Date
+/// Algorithms", civil_from_days).
 void set_date(CalendarTime& result, std::int64_t days) {
     result.weekday = static_cast<int>(((days % 7) + 7 + 4) % 7);
     days += 719'468;
@@ -60,9 +62,8 @@ CalendarTime local_time() {
     std::tm fields{};
     localtime_r(&now, &fields);
     utc_offset_seconds = fields.tm_gmtoff;
-    return {fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday,
-            fields.tm_hour,        fields.tm_min,     fields.tm_sec,
-            fields.tm_wday};
+    return {fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday, fields.tm_hour,
+            fields.tm_min,         fields.tm_sec,     fields.tm_wday};
 }
 
 std::string local_time_text() {
@@ -71,8 +72,9 @@ std::string local_time_text() {
                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     const CalendarTime t = local_time();
     std::array<char, 64> text;
-    std::snprintf(text.data(), text.size(), "%s %s %d %02d:%02d:%02d %d", weekdays[static_cast<std::size_t>(t.weekday)],
-                  months[static_cast<std::size_t>(t.month - 1)], t.day, t.hour, t.minute, t.second, t.year);
+    std::snprintf(text.data(), text.size(), "%s %s %d %02d:%02d:%02d %d",
+                  weekdays[static_cast<std::size_t>(t.weekday)], months[static_cast<std::size_t>(t.month - 1)],
+                  t.day, t.hour, t.minute, t.second, t.year);
     return text.data();
 }
 

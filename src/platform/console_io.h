@@ -10,8 +10,8 @@ namespace zvp::platform {
 bool output_is_terminal();
 bool input_is_terminal();
 
-/// Writes all bytes of `text` to standard output, unbuffered. A reader that went away (closed pipe, full disk) is
-/// ignored: a computation of days must not end because its console did. Async-signal-safe.
+/// Writes all bytes of `text` to standard output, unbuffered. A reader that went away (closed pipe, full disk)
+/// is ignored: a computation of days must not end because its console did. Async-signal-safe.
 void write_output(std::string_view text) noexcept;
 
 enum class LineStatus { complete, too_long, end_of_input };
@@ -23,8 +23,8 @@ inline constexpr std::size_t max_line_bytes = 65'536;
 /// too_long: the line was passed over up to its end, `line` is empty. end_of_input: nothing was left to read.
 LineStatus read_line(std::string& line);
 
-/// Waits for one key on the terminal, after printing the customary hint. Returns at once, and reads nothing, when
-/// standard input is no terminal. Async-signal-safe.
+/// Waits for one key on the terminal, after printing the customary hint. Returns at once, and reads nothing,
+/// when standard input is no terminal. Async-signal-safe.
 void wait_for_key() noexcept;
 
 } // namespace zvp::platform

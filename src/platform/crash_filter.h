@@ -10,12 +10,12 @@ struct Fault {
     const void* context;     // ucontext_t
 };
 
-/// Runs on the faulting thread, on its fault stack; only async-signal-safe calls are allowed in it. After its return
-/// the signal takes its default action.
+/// Runs on the faulting thread, on its fault stack; only async-signal-safe calls are allowed in it. After its
+/// return the signal takes its default action.
 using FaultHandler = void (*)(const Fault&);
 
-/// Sends SIGSEGV, SIGBUS, SIGILL, SIGFPE and SIGABRT of every thread to `handler`. The calling thread gets a fault
-/// stack; others hold a FaultStack.
+/// Sends SIGSEGV, SIGBUS, SIGILL, SIGFPE and SIGABRT of every thread to `handler`. The calling thread gets a
+/// fault stack; others hold a FaultStack.
 void install_fault_handler(FaultHandler handler);
 
 struct CrashRecordResult {

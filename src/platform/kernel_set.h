@@ -1,9 +1,9 @@
 #pragma once
 // Which set of processor kernels runs.
 //
-// A hot kernel is written once, in an .inl file, against the vector types of platform/simd/. One source per set opens
-// a target region, includes the .inl in the set's namespace and fills a table of function pointers; the caller
-// takes its table by active_kernel_set() once per large block.
+// A hot kernel is written once, in an .inl file, against the vector types of platform/simd/. One source per set
+// opens a target region, includes the .inl in the set's namespace and fills a table of function pointers; the
+// caller takes its table by active_kernel_set() once per large block.
 
 #include <array>
 #include <string>
@@ -29,8 +29,8 @@ struct KernelSetChoice {
     std::string error; // empty when the choice is good
 };
 
-/// The last supported set, unless `forced` names another. A name that is unknown, or a set that this machine can't run,
-/// is told in `error`.
+/// The last supported set, unless `forced` names another. A name that is unknown, or a set that this machine
+/// can't run, is told in `error`.
 KernelSetChoice choose_kernel_set(std::string_view forced);
 
 /// The choice of this process, made once from the environment variable ZORVANE_KERNELS.

@@ -19,9 +19,9 @@ void ignore_broken_pipes();
 
 enum class PriorityClass { idle, below_normal, normal, above_normal, high, real_time };
 
-/// Sets the process to the nice value nearest to the class. Never raises the priority above what the process was
-/// started with unless `requested`: a user who ran it under `nice` keeps that.
-/// Returns 0, or errno when the system refuses.
+/// Sets the process to the nice value nearest to the class. Never raises the priority above what the process
+/// was started with unless `requested`: a user who ran it under `nice` keeps that. Returns 0, or errno when the
+/// system refuses.
 int set_priority_class(PriorityClass priority, bool requested);
 
 /// The nice value that stands for the class.

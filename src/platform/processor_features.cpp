@@ -1,7 +1,7 @@
 #include "platform/processor_features.h"
 
-#include <cpuid.h>
 #include <array>
+#include <cpuid.h>
 #include <cstdint>
 #include <cstring>
 

@@ -11,6 +11,7 @@ std::string_view system_error_text(int error) noexcept {
     case EACCES:
     case EPERM:
     case EROFS:
+    case EISDIR:
     case ETXTBSY:
     case EBUSY: return "Access Denied";
     case ENOMEM: return "Not Enough Memory";

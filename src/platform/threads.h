@@ -13,8 +13,8 @@ const std::vector<unsigned>& usable_cores();
 /// Binds the calling thread to one core. Returns 0, or errno.
 int bind_thread_to_core(unsigned core);
 
-/// Gives the calling thread a stack of its own for fault handlers, so that a stack overflow still leaves a crash
-/// record. Held by every thread that the program starts, for as long as it runs.
+/// Gives the calling thread a stack of its own for fault handlers, so that a stack overflow still leaves a
+/// crash record. Held by every thread that the program starts, for as long as it runs.
 class FaultStack {
 public:
     FaultStack();

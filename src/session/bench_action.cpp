@@ -59,13 +59,14 @@ std::vector<std::pair<std::string, Table::Handler>> bench_rows() {
              line.advance();
              request.output_path = line.take_parameter();
          }},
-        {"-od",
-         [](BenchRequest& request, Line& line) { request.output_enabled = zvp::parse_sL(line.take_value()) != 0; }},
+        {"-od", [](BenchRequest& request,
+                   Line& line) { request.output_enabled = zvp::parse_sL(line.take_value()) != 0; }},
         {"-TD", take_task_decomposition},
         {"-PF", take_framework},
         {"-MA", take_allocator},
     };
-    for (const BenchmarkSize& size : decimal_sizes) rows.push_back(size_row(std::string(size.name), size.decimal_digits));
+    for (const BenchmarkSize& size : decimal_sizes)
+        rows.push_back(size_row(std::string(size.name), size.decimal_digits));
     for (unsigned row = 0; row < power_of_two_sizes; ++row)
         rows.push_back(size_row(power_of_two_name(row), std::uint64_t{1} << (20 + row)));
     return rows;

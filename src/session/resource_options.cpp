@@ -16,9 +16,13 @@ void require_swap_mode(const ResourceRequest& request, const CommandLine::Comman
 
 } // namespace
 
-void take_allocator(ResourceRequest& request, CommandLine::CommandLine& line) { request.allocator = line.take_value(); }
+void take_allocator(ResourceRequest& request, CommandLine::CommandLine& line) {
+    request.allocator = line.take_value();
+}
 
-void take_framework(ResourceRequest& request, CommandLine::CommandLine& line) { request.framework = line.take_value(); }
+void take_framework(ResourceRequest& request, CommandLine::CommandLine& line) {
+    request.framework = line.take_value();
+}
 
 void take_task_decomposition(ResourceRequest& request, CommandLine::CommandLine& line) {
     const std::uint32_t count = zvp::parse_u32(line.take_value());

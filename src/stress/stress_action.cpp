@@ -31,7 +31,8 @@ std::vector<std::pair<std::string, Table::Handler>> stress_rows() {
         {"C17", [](StressRequest&, Line& line) { CommandLine::reject_parameter(line); }},
     };
     for (const char* tag : {"BKT", "BBP", "FFT", "N32", "N64", "HNT", "VST"})
-        rows.emplace_back(tag, [](StressRequest& request, Line& line) { request.tests.insert(line.take_parameter()); });
+        rows.emplace_back(
+            tag, [](StressRequest& request, Line& line) { request.tests.insert(line.take_parameter()); });
     return rows;
 }
 

@@ -11,10 +11,10 @@
 namespace StressTest {
 
 struct StressRequest {
-    std::optional<std::uint64_t> memory;            // bytes over all threads, at most memory_setting_cap()
-    std::optional<std::uint32_t> seconds_per_test;  // 1 .. max_seconds
-    std::optional<std::uint32_t> seconds_total;     // 0 (no limit) .. max_seconds
-    std::set<std::string> tests;                    // tags; none named is all of them
+    std::optional<std::uint64_t> memory;           // bytes over all threads, at most memory_setting_cap()
+    std::optional<std::uint32_t> seconds_per_test; // 1 .. max_seconds
+    std::optional<std::uint32_t> seconds_total;    // 0 (no limit) .. max_seconds
+    std::set<std::string> tests;                   // tags; none named is all of them
 };
 
 inline constexpr std::uint32_t max_seconds = 1'000'000;

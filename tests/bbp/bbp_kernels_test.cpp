@@ -79,7 +79,8 @@ Digits merged(DigitBuffer& buffer, std::size_t lanes) {
 std::uint64_t distance(const Digits& a, const Digits& b) {
     Wide difference = 0;
     for (std::size_t j = 0; j < a.size(); ++j) {
-        difference = difference * static_cast<Wide>(digit_base) + static_cast<Wide>(a[j]) - static_cast<Wide>(b[j]);
+        difference =
+            difference * static_cast<Wide>(digit_base) + static_cast<Wide>(a[j]) - static_cast<Wide>(b[j]);
         const Wide whole = static_cast<Wide>(digit_base);
         if (j == 0 && difference > whole / 2) difference -= whole; // wraps around 1
         if (j == 0 && difference < -whole / 2) difference += whole;
@@ -89,8 +90,8 @@ std::uint64_t distance(const Digits& a, const Digits& b) {
 }
 
 std::string describe(const char* kind, std::uint64_t divisor, std::uint64_t exponent, std::size_t count) {
-    return std::string(kind) + " divisor " + std::to_string(divisor) + " exponent or shift " + std::to_string(exponent)
-           + " count " + std::to_string(count) + "; " + test::seed_trace();
+    return std::string(kind) + " divisor " + std::to_string(divisor) + " exponent or shift "
+           + std::to_string(exponent) + " count " + std::to_string(count) + "; " + test::seed_trace();
 }
 
 class KernelTest : public testing::TestWithParam<zvp::platform::KernelSet> {
@@ -107,7 +108,8 @@ protected:
         EXPECT_LE(distance(merged(buffer, kernels.lanes), exact_sum(terms, buffer.size())), 2 * terms.count);
     }
 
-    /// One call for each of many shapes: short and odd counts, exponents from 0 up, divisors from 1 to the very limit.
+    /// One call for each of many shapes: short and odd counts, exponents from 0 up, divisors from 1 to the very
+    /// limit.
     template <class Sum>
     void expect_exact_powers(Sum sum, unsigned divisor_bits) {
         std::mt19937_64 random(test::seed());
@@ -118,7 +120,8 @@ protected:
             terms.exponent_step = i % 2 == 0 ? 4 : 20;
             const std::uint64_t span = terms.count * terms.divisor_step;
             const std::uint64_t limit = (std::uint64_t{1} << divisor_bits) - 1;
-            terms.divisor = i % 3 == 0 ? limit - span - 2 * (random() % 50) : test::random_up_to_bits(random, divisor_bits);
+            terms.divisor =
+                i % 3 == 0 ? limit - span - 2 * (random() % 50) : test::random_up_to_bits(random, divisor_bits);
             terms.divisor = std::min(terms.divisor, limit - span) | 1;
             terms.exponent = terms.exponent_step * (terms.count - 1) + test::random_up_to_bits(random, 61);
             SCOPED_TRACE(describe("power", terms.divisor, terms.exponent, terms.count));
@@ -153,7 +156,8 @@ TEST_P(KernelTest, ShiftedTermsBeginAtTheirOwnPlace) {
 }
 
 TEST_P(KernelTest, TheLongestCallDoesNotOverflowASum) {
-    const PowerTerms terms{(std::uint64_t{1} << mode_b_bits) - 1 - 8 * max_call_terms, 8, 1u << 30, 4, max_call_terms};
+    const PowerTerms terms{(std::uint64_t{1} << mode_b_bits) - 1 - 8 * max_call_terms, 8, 1u << 30, 4,
+                           max_call_terms};
     expect_exact(kernels.sum_powers_mode_b, terms);
 }
 

@@ -29,9 +29,12 @@ TEST(FractionFloat, ShiftsAcrossWordsAndOut) {
     const struct {
         std::uint64_t bits;
         std::vector<std::uint32_t> expected;
-    } cases[] = {{0, {0x89AB'CDEF, 0x0123'4567, 0x8000'0001}}, {4, {0x089A'BCDE, 0xF012'3456, 0x7800'0000}},
-                 {32, {0, 0x89AB'CDEF, 0x0123'4567}},          {36, {0, 0x089A'BCDE, 0xF012'3456}},
-                 {95, {0, 0, 1}},                              {96, {0, 0, 0}},
+    } cases[] = {{0, {0x89AB'CDEF, 0x0123'4567, 0x8000'0001}},
+                 {4, {0x089A'BCDE, 0xF012'3456, 0x7800'0000}},
+                 {32, {0, 0x89AB'CDEF, 0x0123'4567}},
+                 {36, {0, 0x089A'BCDE, 0xF012'3456}},
+                 {95, {0, 0, 1}},
+                 {96, {0, 0, 0}},
                  {~std::uint64_t{0}, {0, 0, 0}}};
     for (const auto& c : cases) {
         FractionFloat f = fraction({0x89AB'CDEF, 0x0123'4567, 0x8000'0001});

@@ -34,8 +34,8 @@ TEST(Clock, ASignalSeesTheSameLocalTime) {
     bool equal = false;
     for (int i = 0; i < 5 && !equal; ++i) {
         const CalendarTime a = local_time(), b = local_time_in_signal();
-        equal = a.year == b.year && a.month == b.month && a.day == b.day && a.hour == b.hour && a.minute == b.minute
-                && a.second == b.second && a.weekday == b.weekday;
+        equal = a.year == b.year && a.month == b.month && a.day == b.day && a.hour == b.hour
+                && a.minute == b.minute && a.second == b.second && a.weekday == b.weekday;
     }
     EXPECT_TRUE(equal);
 }
@@ -64,7 +64,8 @@ TEST(SystemError, TellsCausesThatAUserCanMend) {
     EXPECT_EQ(system_error_text(ENOENT), "Path does not exist.");
     EXPECT_EQ(system_error_text(EACCES), "Access Denied");
     EXPECT_EQ(system_error_text(ENOSPC), "Disk is Full");
-    EXPECT_EQ(system_error_text(EINVAL), "Invalid parameter. This can happen if the sector alignment is too small.");
+    EXPECT_EQ(system_error_text(EINVAL),
+              "Invalid parameter. This can happen if the sector alignment is too small.");
     EXPECT_TRUE(system_error_text(EXDEV).starts_with("Unknown Error, See:\n"));
 }
 

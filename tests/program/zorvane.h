@@ -5,24 +5,31 @@
 
 #include <regex>
 #include <string>
-#include <vector>
 
 namespace test {
 
-inline ProgramRun zorvane(std::vector<std::string> parameters, std::string input = "") {
-    parameters.insert(parameters.begin(), ZORVANE_PROGRAM);
+/// A run with the words of `line`, which single blanks separate. An empty line has no words; a blank at its end
+/// stands before an empty word.
+inline ProgramRun zorvane(const std::string& line, std::string input = "") {
     ProgramRun run;
-    run.arguments = std::move(parameters);
+    run.arguments = {ZORVANE_PROGRAM};
+    for (std::size_t begin = 0; !line.empty() && begin <= line.size();) {
+        const std::size_t end = std::min(line.find(' ', begin), line.size());
+        run.arguments.push_back(line.substr(begin, end - begin));
+        begin = end + 1;
+    }
     run.input = std::move(input);
     return run;
 }
 
+inline std::string replaced(const std::string& text, const char* mark, const std::string& by) {
+    const std::size_t at = text.find(mark);
+    return at == std::string::npos ? text : text.substr(0, at) + by + text.substr(at + 1);
+}
+
 /// What a run prints before its action, on a processor that has the required features.
-inline constexpr std::string_view start_up = "\nChecking processor/OS features...\n"
-                                             "\n"
-                                             "Required Features:\n"
-                                             "    SSE, SSE2, SSE3\n"
-                                             "\n\n\n";
+inline const std::string start_up =
+    "\nChecking processor/OS features...\n\nRequired Features:\n    SSE, SSE2, SSE3\n\n\n\n";
 
 /// The output behind `start_up`, with "V" for the version. An output that doesn't begin so is returned whole.
 inline std::string behind_start_up(const ProgramResult& result) {
@@ -30,7 +37,12 @@ inline std::string behind_start_up(const ProgramResult& result) {
     return std::regex_replace(result.output.substr(skipped), std::regex(R"(\d+\.\d+\.\d+ Build \d+)"), "V");
 }
 
-inline const std::string input_ended = "\nThe input has ended, but an answer is needed. Stopping.\n";
+/// Runs the program and expects this output behind the start-up lines.
+inline void expect_output(const ProgramRun& run, const std::string& expected, int exit_code = 1) {
+    const ProgramResult result = run_program(run);
+    EXPECT_EQ(behind_start_up(result), expected) << describe(run, result);
+    EXPECT_EQ(result.exit_code, exit_code) << describe(run, result);
+}
 
 inline std::string unbuilt(const std::string& what) { return what + " isn't part of version V.\n"; }
 
@@ -46,5 +58,7 @@ inline std::string invalid(const std::string& message) {
 inline std::string uncaught(const std::string& message) {
     return "Uncaught std exception: " + message + "\n\n";
 }
+
+inline const std::string input_ended = "\nThe input has ended, but an answer is needed. Stopping.\n";
 
 } // namespace test

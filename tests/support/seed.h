@@ -1,5 +1,6 @@
 #pragma once
-// Random operands: from a fixed seed that ZORVANE_TEST_SEED changes. Tests print it on failure with SCOPED_TRACE.
+// Random operands: from a fixed seed that ZORVANE_TEST_SEED changes. Tests print it on failure with
+// SCOPED_TRACE.
 
 #include <cstdint>
 #include <cstdlib>

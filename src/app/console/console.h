@@ -1,10 +1,10 @@
 #pragma once
 // Printing and reading on the console.
 //
-// A colour is one letter: B G T R P Y are bright blue, green, cyan, red, purple, yellow; b g t r p y their dark forms;
-// a blank leaves the colour as it is; any other letter is white. A colour stays in force until the next one. On a
-// terminal the letters become ANSI sequences, white being the terminal's own text colour; redirected output and
-// colours:0 get none. Texts are UTF-8.
+// A colour is one letter: B G T R P Y are bright blue, green, cyan, red, purple, yellow; b g t r p y their dark
+// forms; a blank leaves the colour as it is; any other letter is white. A colour stays in force until the next
+// one. On a terminal the letters become ANSI sequences, white being the terminal's own text colour; redirected
+// output and colours:0 get none. Texts are UTF-8.
 //
 // Only the main thread prints; what draws from another thread holds the console lock.
 
@@ -33,8 +33,9 @@ void print_labelm_line(std::size_t width, std::string_view label, std::string_vi
 /// A warning: a blank line, `text` and a newline in bright red, then white.
 void print_warning(std::string_view text);
 
-/// Reads one line of standard input, typed in the colour; trailing control characters are cut. The end of the input
-/// counts as one empty line; reading on behind it is a fatal stop, since no prompt could ever be answered.
+/// Reads one line of standard input, typed in the colour; trailing control characters are cut. The end of the
+/// input counts as one empty line; reading on behind it is a fatal stop, since no prompt could ever be
+/// answered.
 std::string read_line(char color = ' ');
 
 /// Waits for a key where a user is there to press one; in the colour, white by default.

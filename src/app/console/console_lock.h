@@ -5,8 +5,8 @@
 
 namespace zvp {
 
-/// A mutex that a signal handler may take: it knows its owner, so a fault inside a status refresh doesn't wait for
-/// itself. Meets the standard's BasicLockable.
+/// A mutex that a signal handler may take: it knows its owner, so a fault inside a status refresh doesn't wait
+/// for itself. Meets the standard's BasicLockable.
 class ConsoleMutex {
 public:
     void lock() noexcept;

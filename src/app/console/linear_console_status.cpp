@@ -135,7 +135,9 @@ void LinearConsoleRoot::end_task(double seconds) {
 
 void LinearConsoleRoot::push_cell(StatusCell cell) { cells.push_back(std::move(cell)); }
 
-void LinearConsoleRoot::pop_cells(std::size_t count) { cells.resize(cells.size() - std::min(count, cells.size())); }
+void LinearConsoleRoot::pop_cells(std::size_t count) {
+    cells.resize(cells.size() - std::min(count, cells.size()));
+}
 
 LinearConsoleNode::~LinearConsoleNode() {
     child.reset();
@@ -187,7 +189,8 @@ void LinearConsoleNode::push_cell(StatusCell cell) {
 }
 
 void LinearConsoleNode::push_node(std::unique_ptr<StatusNode> child_) {
-    if (child) throw StringException("LinearConsoleNode::push_node()", "Attempted to fork a linear status chain.");
+    if (child)
+        throw StringException("LinearConsoleNode::push_node()", "Attempted to fork a linear status chain.");
     child = std::move(child_);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
-// The status chain on the console: one line, redrawn in place on a terminal. Redirected output gets the finished lines
-// only.
+// The status chain on the console: one line, redrawn in place on a terminal. Redirected output gets the
+// finished lines only.
 
 #include "app/console/status.h"
 
@@ -57,7 +57,8 @@ public:
     Object get_tree() const override;
     StatusNode& make_node(StatusCell cell) override;
     StatusNode& make_node() override;
-    StatusIteration& make_iteration(StatusCell cell, std::uint64_t total, IterationMode mode, bool colored) override;
+    StatusIteration& make_iteration(StatusCell cell, std::uint64_t total, IterationMode mode,
+                                    bool colored) override;
     void update(bool force = false) override { root.update(force); }
     void pop_frame(const StatusFrame& frame) override;
     void push_cells(std::vector<StatusCell> cells) override;
@@ -79,7 +80,8 @@ public:
     Object get_tree() const override;
     StatusNode& make_node(StatusCell cell) override;
     StatusNode& make_node() override;
-    StatusIteration& make_iteration(StatusCell cell, std::uint64_t total, IterationMode mode, bool colored) override;
+    StatusIteration& make_iteration(StatusCell cell, std::uint64_t total, IterationMode mode,
+                                    bool colored) override;
     void update(bool force = false) override;
     void pop_frame(const StatusFrame& frame) override;
     void push_cells(std::vector<StatusCell> cells) override;

@@ -19,8 +19,8 @@ std::string with_commas(std::string digits) {
     return digits;
 }
 
-/// Thousandths of a unit with three significant digits in four columns. `carry` tells that the value rounded up to
-/// 1000 of its unit and is told as 0.98 of the next.
+/// Thousandths of a unit with three significant digits in four columns. `carry` tells that the value rounded up
+/// to 1000 of its unit and is told as 0.98 of the next.
 std::string significant_digits(std::uint64_t thousandths, bool& carry) {
     const auto fixed = [](std::uint64_t hundredths) {
         const std::string rest = std::to_string(hundredths % 100);

@@ -1,5 +1,6 @@
 #pragma once
-// Switches of the whole process. Start-up sets them on the main thread before any action runs; then they are read only.
+// Switches of the whole process. Start-up sets them on the main thread before any action runs; then they are
+// read only.
 
 #include <string>
 

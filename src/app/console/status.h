@@ -1,6 +1,7 @@
 #pragma once
-// How a computation reports: a sink for lines and results, and under it one chain of nodes whose cells form the status
-// line, from the outermost task to the innermost. The console has one form of it; a client of the gateway another.
+// How a computation reports: a sink for lines and results, and under it one chain of nodes whose cells form the
+// status line, from the outermost task to the innermost. The console has one form of it; a client of the
+// gateway another.
 
 #include "app/failure/exception.h"
 #include "app/notation/node.h"
@@ -30,8 +31,8 @@ struct StatusFrame {
 
 enum class IterationMode : int { percent = 0, fraction = 1, none = 2 };
 
-/// One level of the chain. Cells are changed only by the thread that owns the chain; update() may come from any thread
-/// that the owner waits for.
+/// One level of the chain. Cells are changed only by the thread that owns the chain; update() may come from any
+/// thread that the owner waits for.
 class StatusNode {
 public:
     StatusNode() = default;
@@ -43,8 +44,8 @@ public:
     /// The tree from this node on; for sinks that a client polls.
     virtual Object get_tree() const = 0;
 
-    /// A child, owned by this node, that begins with one cell, with none, or that counts to `total` behind its cell.
-    /// `colored` shows the number in bright green.
+    /// A child, owned by this node, that begins with one cell, with none, or that counts to `total` behind its
+    /// cell. `colored` shows the number in bright green.
     virtual StatusNode& make_node(StatusCell cell) = 0;
     virtual StatusNode& make_node() = 0;
     virtual StatusIteration& make_iteration(StatusCell cell, std::uint64_t total, IterationMode mode,

@@ -11,7 +11,8 @@ bool continues_character(char c) { return (static_cast<unsigned char>(c) & 0xC0)
 } // namespace
 
 std::size_t column_count(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) { return !continues_character(c); }));
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return !continues_character(c); }));
 }
 
 std::string fit_left(std::string_view text, std::size_t columns) {

@@ -1,8 +1,9 @@
 #pragma once
 // Values that a user types: on the command line, at a prompt, in a digit file.
 //
-// All take the leading part of the text that they understand and ignore the rest; no digits give 0. A value beyond the
-// result's type becomes the largest that it holds, so that the range check behind the parser sees it.
+// All take the leading part of the text that they understand and ignore the rest; no digits give 0. A value
+// beyond the result's type becomes the largest that it holds, so that the range check behind the parser sees
+// it.
 
 #include <cstdint>
 #include <string_view>

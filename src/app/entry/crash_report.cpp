@@ -39,7 +39,8 @@ private:
     }
 
     void put(int value, std::size_t digits) {
-        for (std::size_t i = digits; i-- > 0; value /= 10) text[length + i] = static_cast<char>('0' + value % 10);
+        for (std::size_t i = digits; i-- > 0; value /= 10)
+            text[length + i] = static_cast<char>('0' + value % 10);
         length += digits;
     }
 

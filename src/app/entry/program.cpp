@@ -53,8 +53,8 @@ int run_with_guard(CommandLine::CommandLine& line) {
     return 1;
 }
 
-/// -2 never pauses, -1 pauses after a failure, 1 always does; 0 is -1 for a program that was started from a console
-/// and 1 for one that has a window of its own.
+/// -2 never pauses, -1 pauses after a failure, 1 always does; 0 is -1 for a program that was started from a
+/// console and 1 for one that has a window of its own.
 void pause_at_end(int code) {
     const zvp::ProcessSwitches& switches = zvp::process_switches();
     int mode = switches.pause_mode;

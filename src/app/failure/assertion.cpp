@@ -14,9 +14,10 @@ void assertion_failed(const char* file, int line, const char* condition) {
     print("\n\n");
     print_line(condition);
     print("\n\n\n");
-    print_line("If this error shows up consistantly with the current options,\nplease report it as a bug.\n\n"
-               "If this error comes and goes with the current options,\nplease check your hardware for reliability "
-               "issues.\nAre you overclocking?\n\nTerminating Program...");
+    print_line(
+        "If this error shows up consistantly with the current options,\nplease report it as a bug.\n\n"
+        "If this error comes and goes with the current options,\nplease check your hardware for reliability "
+        "issues.\nAre you overclocking?\n\nTerminating Program...");
     set_color('w');
     pause();
     __builtin_trap();

@@ -8,7 +8,8 @@ namespace {
 
 template <class T>
 void append_little_endian(std::string& bytes, T value) {
-    for (unsigned shift = 0; shift < 8 * sizeof(T); shift += 8) bytes.push_back(static_cast<char>(value >> shift & 0xFF));
+    for (unsigned shift = 0; shift < 8 * sizeof(T); shift += 8)
+        bytes.push_back(static_cast<char>(value >> shift & 0xFF));
 }
 
 template <class T>

@@ -1,8 +1,8 @@
 #pragma once
 // The root of the program's exceptions.
 //
-// Every failure of the library travels as an object of this family. It names the function that found it, can be copied
-// and thrown again with its true type, printed in one layout, and turned into bytes and back.
+// Every failure of the library travels as an object of this family. It names the function that found it, can be
+// copied and thrown again with its true type, printed in one layout, and turned into bytes and back.
 
 #include <memory>
 #include <string>
@@ -36,8 +36,8 @@ protected:
     virtual void print_body() const = 0;
 };
 
-/// Gives `Class` its own fire(), get_typename() and clone(). `Class` has a constant `type_name` and derives from
-/// ExceptionOf<Class, Base>.
+/// Gives `Class` its own fire(), get_typename() and clone(). `Class` has a constant `type_name` and derives
+/// from ExceptionOf<Class, Base>.
 template <class Class, class Base>
 class ExceptionOf : public Base {
 public:

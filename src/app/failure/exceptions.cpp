@@ -25,7 +25,8 @@ void Exception::print() const {
 StringException::StringException(std::string function_, std::string message_)
     : function(std::move(function_)), message(std::move(message_)) {}
 
-StringException::StringException(ByteCursor& bytes) : function(bytes.take_string()), message(bytes.take_string()) {}
+StringException::StringException(ByteCursor& bytes)
+    : function(bytes.take_string()), message(bytes.take_string()) {}
 
 void StringException::serialize(std::string& bytes) const {
     append_string(bytes, function);
@@ -43,8 +44,8 @@ void StringException::print_body() const {
     print_line(message);
 }
 
-LimitExceededException::LimitExceededException(std::string function_, std::string message_, std::uint64_t limit_,
-                                               std::uint64_t attempted_)
+LimitExceededException::LimitExceededException(std::string function_, std::string message_,
+                                               std::uint64_t limit_, std::uint64_t attempted_)
     : ExceptionOf(std::move(function_), std::move(message_)), limit(limit_), attempted(attempted_) {}
 
 LimitExceededException::LimitExceededException(ByteCursor& bytes)
@@ -69,7 +70,8 @@ void LimitExceededException::print_body() const {
 ConvolutionTooSmallException::ConvolutionTooSmallException(std::string function_, std::string message_,
                                                            std::uint64_t convolution_size_,
                                                            std::uint64_t requested_size_)
-    : ExceptionOf(std::move(function_), std::move(message_)), convolution_size(convolution_size_),
+    : ExceptionOf(std::move(function_), std::move(message_)),
+      convolution_size(convolution_size_),
       requested_size(requested_size_) {}
 
 ConvolutionTooSmallException::ConvolutionTooSmallException(ByteCursor& bytes)
@@ -89,12 +91,15 @@ void ConvolutionTooSmallException::print_body() const {
     print_line("    Requested Size: " + std::to_string(requested_size));
 }
 
-ExponentOverflowException::ExponentOverflowException(std::string function_, std::int64_t value_, std::int64_t limit_)
-    : ExceptionOf(std::move(function_), "Floating-point exponent has exceeded internal limit:"), value(value_),
+ExponentOverflowException::ExponentOverflowException(std::string function_, std::int64_t value_,
+                                                     std::int64_t limit_)
+    : ExceptionOf(std::move(function_), "Floating-point exponent has exceeded internal limit:"),
+      value(value_),
       limit(limit_) {}
 
 ExponentOverflowException::ExponentOverflowException(ByteCursor& bytes)
-    : ExceptionOf(bytes), value(static_cast<std::int64_t>(bytes.take_u64())),
+    : ExceptionOf(bytes),
+      value(static_cast<std::int64_t>(bytes.take_u64())),
       limit(static_cast<std::int64_t>(bytes.take_u64())) {}
 
 void ExponentOverflowException::serialize(std::string& bytes) const {
@@ -140,7 +145,8 @@ void BSRModularCheckFailedException::print_body() const {
 MemoryAllocationFailedException::MemoryAllocationFailedException(std::string function_, std::string message_,
                                                                  std::string allocation_type_,
                                                                  std::uint64_t allocation_bytes_)
-    : ExceptionOf(std::move(function_), std::move(message_)), allocation_type(std::move(allocation_type_)),
+    : ExceptionOf(std::move(function_), std::move(message_)),
+      allocation_type(std::move(allocation_type_)),
       allocation_bytes(allocation_bytes_) {}
 
 MemoryAllocationFailedException::MemoryAllocationFailedException(ByteCursor& bytes)
@@ -180,11 +186,15 @@ void BufferTooSmallException::print_body() const {
 FarMemoryOutOfBoundsException::FarMemoryOutOfBoundsException(std::string function_, std::uint64_t object_size_,
                                                              std::uint64_t access_offset_,
                                                              std::uint64_t access_length_)
-    : function(std::move(function_)), object_size(object_size_), access_offset(access_offset_),
+    : function(std::move(function_)),
+      object_size(object_size_),
+      access_offset(access_offset_),
       access_length(access_length_) {}
 
 FarMemoryOutOfBoundsException::FarMemoryOutOfBoundsException(ByteCursor& bytes)
-    : function(bytes.take_string()), object_size(bytes.take_u64()), access_offset(bytes.take_u64()),
+    : function(bytes.take_string()),
+      object_size(bytes.take_u64()),
+      access_offset(bytes.take_u64()),
       access_length(bytes.take_u64()) {}
 
 void FarMemoryOutOfBoundsException::serialize(std::string& bytes) const {
@@ -214,7 +224,8 @@ SystemException::SystemException(std::string function_, std::string message_, st
     : function(std::move(function_)), message(std::move(message_)), error_code(error_code_) {}
 
 SystemException::SystemException(ByteCursor& bytes)
-    : function(bytes.take_string()), message(bytes.take_string()),
+    : function(bytes.take_string()),
+      message(bytes.take_string()),
       error_code(static_cast<std::int32_t>(bytes.take_u32())) {}
 
 void SystemException::serialize(std::string& bytes) const {

@@ -1,6 +1,7 @@
 #pragma once
-// The exceptions of the library. A constructor takes the name of the throwing function first, as "Class::method()"
-// (it may be empty), then the message. A constructor from a ByteCursor reads the class's byte form.
+// The exceptions of the library. A constructor takes the name of the throwing function first, as
+// "Class::method()" (it may be empty), then the message. A constructor from a ByteCursor reads the class's byte
+// form.
 
 #include "app/failure/byte_cursor.h"
 #include "app/failure/exception.h"
@@ -35,7 +36,8 @@ public:
     static constexpr const char* type_name = "LimitExceededException";
     static constexpr std::uint64_t unknown_limit = ~std::uint64_t{0};
 
-    LimitExceededException(std::string function_, std::string message_, std::uint64_t limit_, std::uint64_t attempted_);
+    LimitExceededException(std::string function_, std::string message_, std::uint64_t limit_,
+                           std::uint64_t attempted_);
     explicit LimitExceededException(ByteCursor& bytes);
     void serialize(std::string& bytes) const override;
 
@@ -64,7 +66,8 @@ public:
     using ExceptionOf::ExceptionOf;
 };
 
-class ConvolutionTooSmallException : public ExceptionOf<ConvolutionTooSmallException, InvalidTransformException> {
+class ConvolutionTooSmallException
+    : public ExceptionOf<ConvolutionTooSmallException, InvalidTransformException> {
 public:
     static constexpr const char* type_name = "ConvolutionTooSmallException";
 
@@ -133,12 +136,13 @@ public:
 };
 
 /// The residues of a block of series terms [a, b) contradict each other.
-class BSRModularCheckFailedException : public ExceptionOf<BSRModularCheckFailedException, AlgorithmFailedException> {
+class BSRModularCheckFailedException
+    : public ExceptionOf<BSRModularCheckFailedException, AlgorithmFailedException> {
 public:
     static constexpr const char* type_name = "BSRModularCheckFailedException";
 
-    BSRModularCheckFailedException(std::string function_, std::string message_, std::uint64_t a_, std::uint64_t b_,
-                                   std::vector<std::uint64_t> hashes_);
+    BSRModularCheckFailedException(std::string function_, std::string message_, std::uint64_t a_,
+                                   std::uint64_t b_, std::vector<std::uint64_t> hashes_);
     explicit BSRModularCheckFailedException(ByteCursor& bytes);
     void serialize(std::string& bytes) const override;
 
@@ -192,7 +196,8 @@ public:
     using ExceptionOf::ExceptionOf;
 };
 
-class UnsupportedNegativeException : public ExceptionOf<UnsupportedNegativeException, UnsupportedValueException> {
+class UnsupportedNegativeException
+    : public ExceptionOf<UnsupportedNegativeException, UnsupportedValueException> {
 public:
     static constexpr const char* type_name = "UnsupportedNegativeException";
     using ExceptionOf::ExceptionOf;
@@ -220,8 +225,8 @@ class FarMemoryOutOfBoundsException : public ExceptionOf<FarMemoryOutOfBoundsExc
 public:
     static constexpr const char* type_name = "FarMemoryOutOfBoundsException";
 
-    FarMemoryOutOfBoundsException(std::string function_, std::uint64_t object_size_, std::uint64_t access_offset_,
-                                  std::uint64_t access_length_);
+    FarMemoryOutOfBoundsException(std::string function_, std::uint64_t object_size_,
+                                  std::uint64_t access_offset_, std::uint64_t access_length_);
     explicit FarMemoryOutOfBoundsException(ByteCursor& bytes);
     void serialize(std::string& bytes) const override;
 
@@ -268,7 +273,7 @@ protected:
 };
 
 /// The control flow of menus; not members of the family.
-struct ModeChangeException {};       // the user changed the compute mode: the menu starts again on the other session
+struct ModeChangeException {}; // the user changed the compute mode: the menu starts again on the other session
 struct ModeNotSupportedException {}; // a constant that has no far-memory form
 
 /// A configuration file that didn't load; the menu that asked for it prints `cause` and goes on.

@@ -5,11 +5,17 @@
 
 namespace zvp {
 
-PathException::PathException(std::string function_, std::string message_, std::string path_, std::int32_t error_code_)
-    : function(std::move(function_)), message(std::move(message_)), path(std::move(path_)), error_code(error_code_) {}
+PathException::PathException(std::string function_, std::string message_, std::string path_,
+                             std::int32_t error_code_)
+    : function(std::move(function_)),
+      message(std::move(message_)),
+      path(std::move(path_)),
+      error_code(error_code_) {}
 
 PathException::PathException(ByteCursor& bytes)
-    : function(bytes.take_string()), message(bytes.take_string()), path(bytes.take_string()),
+    : function(bytes.take_string()),
+      message(bytes.take_string()),
+      path(bytes.take_string()),
       error_code(static_cast<std::int32_t>(bytes.take_u32())) {}
 
 void PathException::serialize(std::string& bytes) const {

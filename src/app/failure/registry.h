@@ -11,8 +11,8 @@
 
 namespace zvp {
 
-/// A map from name to `Row` that remembers the order of its rows. A name that comes twice is a fatal stop: it is a
-/// mistake in the program's own tables.
+/// A map from name to `Row` that remembers the order of its rows. A name that comes twice is a fatal stop: it
+/// is a mistake in the program's own tables.
 template <class Row>
 class Registry {
 public:

@@ -23,16 +23,16 @@ private:
     const char* text; // a literal
 };
 
-/// The raw parameters, each also split at its first ":" into key and value, and a cursor over them. The cursor starts
-/// behind the program's own name; whoever reads a parameter advances it.
+/// The raw parameters, each also split at its first ":" into key and value, and a cursor over them. The cursor
+/// starts behind the program's own name; whoever reads a parameter advances it.
 class CommandLine {
 public:
     explicit CommandLine(std::vector<std::string> parameters);
 
     bool at_end() const { return cursor >= raw.size(); }
 
-    /// The parameter under the cursor, whole, its key, and its value (empty without a ":"). At the end they raise
-    /// CommandLineException "Expected more parameters."
+    /// The parameter under the cursor, whole, its key, and its value (empty without a ":"). At the end they
+    /// raise CommandLineException "Expected more parameters."
     const std::string& parameter() const { return raw[checked_cursor()]; }
     const std::string& key() const { return split[checked_cursor()].first; }
     const std::string& value() const { return split[checked_cursor()].second; }
@@ -53,14 +53,15 @@ private:
     std::size_t cursor = 1;
 };
 
-/// Keywords (exact, case-sensitive) and the handlers that fill `Target` from the parameter under the cursor. A handler
-/// advances the cursor itself.
+/// Keywords (exact, case-sensitive) and the handlers that fill `Target` from the parameter under the cursor. A
+/// handler advances the cursor itself.
 template <class Target>
 class OptionTable {
 public:
     using Handler = std::function<void(Target&, CommandLine&)>;
 
-    OptionTable(std::vector<std::pair<std::string, Handler>> rows) : handlers("Duplicate Option", std::move(rows)) {}
+    OptionTable(std::vector<std::pair<std::string, Handler>> rows)
+        : handlers("Duplicate Option", std::move(rows)) {}
 
     /// Handles parameters as long as their keys are in the table; the first that isn't stays under the cursor.
     void scan(Target& target, CommandLine& line) const {

@@ -1,5 +1,6 @@
 #pragma once
-// Configuration files: one object in the notation, whose "Action" names what to run and the key of its settings.
+// Configuration files: one object in the notation, whose "Action" names what to run and the key of its
+// settings.
 
 #include "app/notation/node.h"
 
@@ -12,7 +13,8 @@ namespace zvp {
 /// `path` with ".cfg" behind it if it holds no "." at all.
 std::string config_path(std::string path);
 
-/// Parses a file that holds one value in the notation. Raises FileException, ParseException, EndOfStreamException.
+/// Parses a file that holds one value in the notation. Raises FileException, ParseException,
+/// EndOfStreamException.
 std::unique_ptr<Node> load_notation_file(const std::string& path);
 
 /// The text of a configuration file for `action` with its settings. `version` goes into the heading.

@@ -1,9 +1,10 @@
 #pragma once
-// The object notation: one tree of values for everything that is saved or sent: configuration and formula files, the
-// settings in a validation file, checkpoints, slave messages.
+// The object notation: one tree of values for everything that is saved or sent: configuration and formula
+// files, the settings in a validation file, checkpoints, slave messages.
 //
-// Values are signed 64-bit integers, strings of any bytes, arrays, and objects with ordered, named entries. Booleans
-// are the strings "true" and "false". A tree prints in two forms: the notation (comments, no commas) and JSON.
+// Values are signed 64-bit integers, strings of any bytes, arrays, and objects with ordered, named entries.
+// Booleans are the strings "true" and "false". A tree prints in two forms: the notation (comments, no commas)
+// and JSON.
 
 #include <cstdint>
 #include <map>
@@ -98,7 +99,9 @@ public:
 
     /// Typed reads of an element that exists.
     std::int64_t get_integer(std::size_t index) const { return at(index).as_integer("Array::get_integer()"); }
-    const std::string& get_string(std::size_t index) const { return at(index).as_string("Array::get_string()"); }
+    const std::string& get_string(std::size_t index) const {
+        return at(index).as_string("Array::get_string()");
+    }
     const Array& get_array(std::size_t index) const { return at(index).as_array("Array::get_array()"); }
     const Object& get_object(std::size_t index) const { return at(index).as_object("Array::get_object()"); }
 
@@ -154,7 +157,8 @@ public:
     std::string comment;
 
 private:
-    void add(std::string_view function, std::string key, std::unique_ptr<Node> value, std::string entry_comment);
+    void add(std::string_view function, std::string key, std::unique_ptr<Node> value,
+             std::string entry_comment);
     const Node& get(std::string_view function, std::string_view key) const;
 
     std::map<std::string, Entry, std::less<>> by_key;

@@ -15,8 +15,8 @@ class OptionalFlagConfig {
 public:
     OptionalFlagConfig(std::string key_, OptionalFlag value_) : key(std::move(key_)), value(value_) {}
 
-    /// Reads the key from `object`. A missing key raises KeyNotFoundException, another word InvalidParametersException
-    /// with "Invalid Mode: " and the word.
+    /// Reads the key from `object`. A missing key raises KeyNotFoundException, another word
+    /// InvalidParametersException with "Invalid Mode: " and the word.
     static OptionalFlagConfig load(const Object& object, std::string key);
 
     void save(Object& object) const;

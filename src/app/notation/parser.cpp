@@ -21,7 +21,9 @@ public:
     Scanner(std::string_view text_, std::size_t line_, const char* function_)
         : text(text_), line(line_), function(function_) {}
 
-    [[noreturn]] void fail(const std::string& message) const { throw ParseException(function, located(message)); }
+    [[noreturn]] void fail(const std::string& message) const {
+        throw ParseException(function, located(message));
+    }
 
     /// The next character; the text must go on.
     char peek() const {
@@ -66,7 +68,8 @@ public:
 
     bool at_comment() const { return text.substr(at, 2) == "//"; }
 
-    /// The digits of an integer and their sign, held to magnitudes below 2^63; what may follow them is the grammar's.
+    /// The digits of an integer and their sign, held to magnitudes below 2^63; what may follow them is the
+    /// grammar's.
     std::unique_ptr<Node> take_integer() {
         const bool negative = peek() == '-';
         if (negative) take();
@@ -124,7 +127,6 @@ private:
     std::size_t depth = 0;
     const char* function;
 };
-
 
 class NotationParser {
 public:
@@ -231,7 +233,8 @@ private:
     std::unique_ptr<Node> integer() {
         auto node = scanner.take_integer();
         const char next = scanner.peek();
-        if (next != ',' && next != ']' && next != '}' && !scanner.skip()) scanner.fail("Invalid integer literal.");
+        if (next != ',' && next != ']' && next != '}' && !scanner.skip())
+            scanner.fail("Invalid integer literal.");
         return node;
     }
 

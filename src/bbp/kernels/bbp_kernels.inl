@@ -1,8 +1,9 @@
-// The kernels of the extractor. Included in a kernel set's namespace, behind its vectors (Doubles, Integers) and modular
-// arithmetic.
+// The kernels of the extractor. Included in a kernel set's namespace, behind its vectors (Doubles, Integers)
+// and modular arithmetic.
 //
 //   block of 64 terms:   divisors m, m + a, m + 2a ...     exponents e, e - s, e - 2s ...
-//   1. raise             x = 2^(top bits of e), then one squaring for each further bit of e, doubled where the bit is 1
+//   1. raise             x = 2^(top bits of e), then one squaring for each further bit of e, doubled where the
+//   bit is 1
 //   2. divide            x / m as digits in base 2^48, summed over the block
 // Each pass runs over all vectors of the block before the next begins, so that their dependent chains overlap.
 
@@ -46,7 +47,9 @@ ZVP_KERNEL_INLINE void set_exponents(TermBlock& block, std::uint64_t first, std:
 ZVP_KERNEL_INLINE void square_by_shared_bit(TermBlock& block, std::int64_t doubling_bits, bool reduce_result) {
     const Integers doubling = Integers::broadcast(doubling_bits);
     for (std::size_t at = 0; at < BBPv2::block_terms; at += lanes)
-        Modulus(block.modulus, at).square(Doubles::load(block.x + at), doubling, reduce_result).store(block.x + at);
+        Modulus(block.modulus, at)
+            .square(Doubles::load(block.x + at), doubling, reduce_result)
+            .store(block.x + at);
 }
 
 /// The same, each term by the bit of its own exponent.
@@ -65,8 +68,8 @@ ZVP_KERNEL_INLINE void square_by_own_bit(TermBlock& block, int bit, bool reduce_
 
 /// x = 2^exponent modulo m. `largest` and `smallest` bound the block's exponents: the bits above their highest
 /// difference are common to all.
-ZVP_KERNEL_INLINE void raise(TermBlock& block, std::uint64_t largest, std::uint64_t smallest, bool large_divisors,
-                             bool reduce_result) {
+ZVP_KERNEL_INLINE void raise(TermBlock& block, std::uint64_t largest, std::uint64_t smallest,
+                             bool large_divisors, bool reduce_result) {
     const int head_bits = large_divisors ? head_bits_large_divisors : 5;
     const int length = 64 - __builtin_clzll(largest | 1);
     const int rest = length > head_bits ? length - head_bits : 0;
@@ -87,7 +90,8 @@ ZVP_KERNEL_INLINE void raise(TermBlock& block, std::uint64_t largest, std::uint6
 
 /// Adds digits first .. n - 1 of x / m to the sums: each step multiplies x by 2^48 and takes a quotient off.
 ZVP_KERNEL_INLINE void divide(TermBlock& block, std::int64_t* digits, std::size_t first, std::size_t n) {
-    const Integers bias = Integers::broadcast(static_cast<std::int64_t>(BBPv2::block_terms / lanes * std::uint64_t{magic_bits}));
+    const Integers bias =
+        Integers::broadcast(static_cast<std::int64_t>(BBPv2::block_terms / lanes * std::uint64_t{magic_bits}));
     const Doubles base = Doubles::broadcast(digit_base);
     for (std::size_t j = first; j < n; ++j) {
         Integers sum = Integers::load(digits + j * lanes) - bias;
@@ -110,28 +114,32 @@ ZVP_KERNEL_INLINE zvp::platform::KernelSet sum_powers(std::int64_t* digits, std:
         // Behind the last term of a short block the exponents may pass below 0; any in range will do, as those
         // terms are cleared before the division.
         for (std::size_t i = used; i < BBPv2::block_terms; ++i) block.exponent[i] = block.exponent[0];
-        raise(block, largest, largest - (used - 1) * terms.exponent_step, divisor >= large_divisor, reduce_result);
+        raise(block, largest, largest - (used - 1) * terms.exponent_step, divisor >= large_divisor,
+              reduce_result);
         for (std::size_t i = used; i < BBPv2::block_terms; ++i) block.x[i] = 0;
         divide(block, digits, 0, n);
     }
     return this_set;
 }
 
-zvp::platform::KernelSet sum_powers_mode_a(std::int64_t* digits, std::size_t n, const BBPv2::PowerTerms& terms) {
+zvp::platform::KernelSet sum_powers_mode_a(std::int64_t* digits, std::size_t n,
+                                           const BBPv2::PowerTerms& terms) {
     return sum_powers(digits, n, terms, false);
 }
 
-zvp::platform::KernelSet sum_powers_mode_b(std::int64_t* digits, std::size_t n, const BBPv2::PowerTerms& terms) {
+zvp::platform::KernelSet sum_powers_mode_b(std::int64_t* digits, std::size_t n,
+                                           const BBPv2::PowerTerms& terms) {
     return sum_powers(digits, n, terms, true);
 }
 
-/// A term 2^-s / m has no digits before place s / 48. There its division begins, with 2^(48 - s mod 48) as the first
-/// dividend; until then its remainder is 0.
+/// A term 2^-s / m has no digits before place s / 48. There its division begins, with 2^(48 - s mod 48) as the
+/// first dividend; until then its remainder is 0.
 zvp::platform::KernelSet sum_shifted(std::int64_t* digits, std::size_t n, const BBPv2::ShiftedTerms& terms) {
     TermBlock block;
     alignas(64) double place[BBPv2::block_terms];
     alignas(64) double dividend[BBPv2::block_terms];
-    const Integers bias = Integers::broadcast(static_cast<std::int64_t>(BBPv2::block_terms / lanes * std::uint64_t{magic_bits}));
+    const Integers bias =
+        Integers::broadcast(static_cast<std::int64_t>(BBPv2::block_terms / lanes * std::uint64_t{magic_bits}));
     const Doubles base = Doubles::broadcast(digit_base);
     for (std::size_t done = 0; done < terms.count; done += BBPv2::block_terms) {
         set_divisors(block, terms.divisor + done * terms.divisor_step, terms.divisor_step);
@@ -151,7 +159,8 @@ zvp::platform::KernelSet sum_shifted(std::int64_t* digits, std::size_t n, const 
             const Doubles here = Doubles::broadcast(static_cast<double>(j));
             Integers sum = Integers::load(digits + j * lanes) - bias;
             for (std::size_t at = 0; at < BBPv2::block_terms; at += lanes) {
-                const Doubles begun = select_equal(Doubles::load(place + at), here, Doubles::load(dividend + at));
+                const Doubles begun =
+                    select_equal(Doubles::load(place + at), here, Doubles::load(dividend + at));
                 const Doubles x = Doubles::load(block.x + at) * base + begun;
                 Modulus(block.modulus, at).divide(x, sum).store(block.x + at);
             }

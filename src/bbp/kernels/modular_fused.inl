@@ -3,15 +3,16 @@
 // All numbers are exact integers. For a divisor m below 2^51, i is 1/m rounded. Adding and subtracting
 // magic = 3 * 2^51 rounds a double below 2^51 in magnitude to an integer.
 //
-// square(): with |x| <= c * m and y = x * 2x (or x * x), let h = y rounded, l = y - h (exact, by fusion), and q the
-// integer that h * i rounds to. Then h - q * m is exact in one fused operation, since it is an integer below 2^53, and
-// so is its sum with l. What is left is congruent to y, and its bound follows from three errors:
+// square(): with |x| <= c * m and y = x * 2x (or x * x), let h = y rounded, l = y - h (exact, by fusion), and q
+// the integer that h * i rounds to. Then h - q * m is exact in one fused operation, since it is an integer
+// below 2^53, and so is its sum with l. What is left is congruent to y, and its bound follows from three
+// errors:
 //   1/2            rounding of q,
 //   2^-53 * |q|    the relative error of i, as |q| <= 2 c^2 m,
 //   |l| / m        at most 2^-53 * |y| / m = 2^-53 * 2 c^2 m.
 // Mode A, m < 2^49: c <= 1/2 + 2^-3 c^2 + 2^-3 c^2 holds for c = 0.5858, and |q| <= 0.69 * 2^49.
-// Mode B, m < 2^51: x is reduced at the end, so that c = 1/2 and a little: |q| <= 2^50 and |y - q * m| <= 3/4 m.
-// The first x, a power of two that reduce() took, has c <= 5/8 and stays inside both.
+// Mode B, m < 2^51: x is reduced at the end, so that c = 1/2 and a little: |q| <= 2^50 and |y - q * m| <= 3/4
+// m. The first x, a power of two that reduce() took, has c <= 5/8 and stays inside both.
 
 constexpr double magic = 6755399441055744.0;
 
@@ -44,8 +45,8 @@ struct Modulus {
         return fnmadd(fmadd(x, inverse, big) - big, m, x);
     }
 
-    /// x^2 or, where `doubling` is 1 << 52, 2 x^2, modulo m. The doubling is one integer addition to the exponent field
-    /// of a factor; a factor of 0 becomes 2^-1022, and 0 times that is still 0.
+    /// x^2 or, where `doubling` is 1 << 52, 2 x^2, modulo m. The doubling is one integer addition to the
+    /// exponent field of a factor; a factor of 0 becomes 2^-1022, and 0 times that is still 0.
     ZVP_KERNEL_INLINE Doubles square(Doubles x, Integers doubling, bool reduce_result) const {
         const Doubles big = Doubles::broadcast(magic);
         const Doubles factor = Doubles::from_bits(x.bits() + doubling);

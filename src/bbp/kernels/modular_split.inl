@@ -2,15 +2,15 @@
 //
 // All numbers are exact integers. For a divisor m below 2^51, i is 1/m rounded. Adding and subtracting
 // magic = 3 * 2^51 rounds a double below 2^51 in magnitude to an integer; adding and subtracting
-// splitter = 1.5 * 2^78 rounds it to a multiple of 2^26. With every factor split into a high part, a multiple of 2^26
-// below 2^52, and a low part of at most 2^25, all partial products have at most 53 bits. They are summed from the
-// largest down: a multiple of 2^52 that has cancelled to below 2^79, then multiples of 2^26 below 2^79, then integers
-// below 2^53. So every partial sum is exact.
+// splitter = 1.5 * 2^78 rounds it to a multiple of 2^26. With every factor split into a high part, a multiple
+// of 2^26 below 2^52, and a low part of at most 2^25, all partial products have at most 53 bits. They are
+// summed from the largest down: a multiple of 2^52 that has cancelled to below 2^79, then multiples of 2^26
+// below 2^79, then integers below 2^53. So every partial sum is exact.
 //
-// square(): with |x| <= c * m and y = f * x^2, f = 1 or 2, let q be the integer that x * (f x) * i rounds to. The two
-// products and i are each off by at most 2^-53 of their value, so |y - q * m| <= (1/2 + 3 * 2^-53 * 2 c^2 m) * m.
-// Mode A, m < 2^49: c <= 1/2 + 3/8 c^2 holds for c = 2/3, and |q| <= 0.9 * 2^49.
-// Mode B, m < 2^51: x is reduced at the end, so that c = 1/2 and a little, and |q| <= 2^50.
+// square(): with |x| <= c * m and y = f * x^2, f = 1 or 2, let q be the integer that x * (f x) * i rounds to.
+// The two products and i are each off by at most 2^-53 of their value, so |y - q * m| <= (1/2 + 3 * 2^-53 * 2
+// c^2 m) * m. Mode A, m < 2^49: c <= 1/2 + 3/8 c^2 holds for c = 2/3, and |q| <= 0.9 * 2^49. Mode B, m < 2^51:
+// x is reduced at the end, so that c = 1/2 and a little, and |q| <= 2^50.
 
 constexpr double magic = 6755399441055744.0;
 
@@ -19,8 +19,8 @@ constexpr std::int64_t magic_bits = 0x4338000000000000;
 
 constexpr double splitter = 453347182355485940514816.0;
 
-/// Bits of an exponent whose power of two reduce() takes at once: below 2^32, so that the quotient times the divisor is
-/// exact.
+/// Bits of an exponent whose power of two reduce() takes at once: below 2^32, so that the quotient times the
+/// divisor is exact.
 constexpr int head_bits_large_divisors = 5;
 
 ZVP_KERNEL_INLINE Doubles high_part(Doubles x) {
@@ -47,7 +47,9 @@ struct Modulus {
     Doubles m, inverse, high, low;
 
     ZVP_KERNEL_INLINE Modulus(const ModulusBlock& block, std::size_t at)
-        : m(Doubles::load(block.m + at)), inverse(Doubles::load(block.inverse + at)), high(Doubles::load(block.high + at)),
+        : m(Doubles::load(block.m + at)),
+          inverse(Doubles::load(block.inverse + at)),
+          high(Doubles::load(block.high + at)),
           low(Doubles::load(block.low + at)) {}
 
     /// x modulo m, in about [-m/2, m/2], for quotients small enough that their product with m is exact.

@@ -1,5 +1,6 @@
 #pragma once
-// The compiler's vector intrinsics. Included before a target region opens: the intrinsics carry their own targets.
+// The compiler's vector intrinsics. Included before a target region opens: the intrinsics carry their own
+// targets.
 
 #include <cstddef>
 #include <cstdint>

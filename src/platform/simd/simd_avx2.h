@@ -1,5 +1,6 @@
 #pragma once
-// Vectors of the avx2 kernel set: 4 doubles, or 4 64-bit integers, a vector. Include inside the set's target region.
+// Vectors of the avx2 kernel set: 4 doubles, or 4 64-bit integers, a vector. Include inside the set's target
+// region.
 
 #include "platform/simd/intrinsics.h"
 
@@ -12,14 +13,22 @@ struct VecI {
     __m256i v;
 
     ZVP_KERNEL_INLINE static VecI broadcast(std::int64_t x) { return {_mm256_set1_epi64x(x)}; }
-    ZVP_KERNEL_INLINE static VecI load(const std::int64_t* p) { return {_mm256_load_si256(reinterpret_cast<const __m256i*>(p))}; }
-    ZVP_KERNEL_INLINE void store(std::int64_t* p) const { _mm256_store_si256(reinterpret_cast<__m256i*>(p), v); }
+    ZVP_KERNEL_INLINE static VecI load(const std::int64_t* p) {
+        return {_mm256_load_si256(reinterpret_cast<const __m256i*>(p))};
+    }
+    ZVP_KERNEL_INLINE void store(std::int64_t* p) const {
+        _mm256_store_si256(reinterpret_cast<__m256i*>(p), v);
+    }
 
     ZVP_KERNEL_INLINE friend VecI operator+(VecI a, VecI b) { return {_mm256_add_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator-(VecI a, VecI b) { return {_mm256_sub_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator&(VecI a, VecI b) { return {_mm256_and_si256(a.v, b.v)}; }
-    ZVP_KERNEL_INLINE friend VecI shift_left(VecI a, int bits) { return {_mm256_sll_epi64(a.v, _mm_cvtsi32_si128(bits))}; }
-    ZVP_KERNEL_INLINE friend VecI shift_right(VecI a, int bits) { return {_mm256_srl_epi64(a.v, _mm_cvtsi32_si128(bits))}; }
+    ZVP_KERNEL_INLINE friend VecI shift_left(VecI a, int bits) {
+        return {_mm256_sll_epi64(a.v, _mm_cvtsi32_si128(bits))};
+    }
+    ZVP_KERNEL_INLINE friend VecI shift_right(VecI a, int bits) {
+        return {_mm256_srl_epi64(a.v, _mm_cvtsi32_si128(bits))};
+    }
 };
 
 /// Doubles.

@@ -1,5 +1,6 @@
 #pragma once
-// Vectors of the avx512 kernel set: 8 doubles, or 8 64-bit integers, a vector. Include inside the set's target region.
+// Vectors of the avx512 kernel set: 8 doubles, or 8 64-bit integers, a vector. Include inside the set's target
+// region.
 
 #include "platform/simd/intrinsics.h"
 
@@ -12,14 +13,22 @@ struct VecI {
     __m512i v;
 
     ZVP_KERNEL_INLINE static VecI broadcast(std::int64_t x) { return {_mm512_set1_epi64(x)}; }
-    ZVP_KERNEL_INLINE static VecI load(const std::int64_t* p) { return {_mm512_load_si512(reinterpret_cast<const __m512i*>(p))}; }
-    ZVP_KERNEL_INLINE void store(std::int64_t* p) const { _mm512_store_si512(reinterpret_cast<__m512i*>(p), v); }
+    ZVP_KERNEL_INLINE static VecI load(const std::int64_t* p) {
+        return {_mm512_load_si512(reinterpret_cast<const __m512i*>(p))};
+    }
+    ZVP_KERNEL_INLINE void store(std::int64_t* p) const {
+        _mm512_store_si512(reinterpret_cast<__m512i*>(p), v);
+    }
 
     ZVP_KERNEL_INLINE friend VecI operator+(VecI a, VecI b) { return {_mm512_add_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator-(VecI a, VecI b) { return {_mm512_sub_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator&(VecI a, VecI b) { return {_mm512_and_si512(a.v, b.v)}; }
-    ZVP_KERNEL_INLINE friend VecI shift_left(VecI a, int bits) { return {_mm512_sll_epi64(a.v, _mm_cvtsi32_si128(bits))}; }
-    ZVP_KERNEL_INLINE friend VecI shift_right(VecI a, int bits) { return {_mm512_srl_epi64(a.v, _mm_cvtsi32_si128(bits))}; }
+    ZVP_KERNEL_INLINE friend VecI shift_left(VecI a, int bits) {
+        return {_mm512_sll_epi64(a.v, _mm_cvtsi32_si128(bits))};
+    }
+    ZVP_KERNEL_INLINE friend VecI shift_right(VecI a, int bits) {
+        return {_mm512_srl_epi64(a.v, _mm_cvtsi32_si128(bits))};
+    }
 };
 
 /// Doubles.

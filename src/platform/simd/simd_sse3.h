@@ -1,5 +1,6 @@
 #pragma once
-// Vectors of the sse3 kernel set: 2 doubles, or 2 64-bit integers, a vector. Include inside the set's target region.
+// Vectors of the sse3 kernel set: 2 doubles, or 2 64-bit integers, a vector. Include inside the set's target
+// region.
 
 #include "platform/simd/intrinsics.h"
 
@@ -12,14 +13,20 @@ struct VecI {
     __m128i v;
 
     ZVP_KERNEL_INLINE static VecI broadcast(std::int64_t x) { return {_mm_set1_epi64x(x)}; }
-    ZVP_KERNEL_INLINE static VecI load(const std::int64_t* p) { return {_mm_load_si128(reinterpret_cast<const __m128i*>(p))}; }
+    ZVP_KERNEL_INLINE static VecI load(const std::int64_t* p) {
+        return {_mm_load_si128(reinterpret_cast<const __m128i*>(p))};
+    }
     ZVP_KERNEL_INLINE void store(std::int64_t* p) const { _mm_store_si128(reinterpret_cast<__m128i*>(p), v); }
 
     ZVP_KERNEL_INLINE friend VecI operator+(VecI a, VecI b) { return {_mm_add_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator-(VecI a, VecI b) { return {_mm_sub_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator&(VecI a, VecI b) { return {_mm_and_si128(a.v, b.v)}; }
-    ZVP_KERNEL_INLINE friend VecI shift_left(VecI a, int bits) { return {_mm_sll_epi64(a.v, _mm_cvtsi32_si128(bits))}; }
-    ZVP_KERNEL_INLINE friend VecI shift_right(VecI a, int bits) { return {_mm_srl_epi64(a.v, _mm_cvtsi32_si128(bits))}; }
+    ZVP_KERNEL_INLINE friend VecI shift_left(VecI a, int bits) {
+        return {_mm_sll_epi64(a.v, _mm_cvtsi32_si128(bits))};
+    }
+    ZVP_KERNEL_INLINE friend VecI shift_right(VecI a, int bits) {
+        return {_mm_srl_epi64(a.v, _mm_cvtsi32_si128(bits))};
+    }
 };
 
 /// Doubles.
