@@ -2,8 +2,8 @@
 # lower floors only; where rooms of one floor lean on each other, their order stands behind the point ("1.2" may
 # use "1.1"). Two things hold the rule:
 #   - zorvane_room() stops the configuration when a room uses one that isn't below it;
-#   - a header can be included only by rooms that link its room: the include path of a room is a folder of links to
-#     its own headers, so an include that runs upward doesn't compile.
+#   - a header can be included only by rooms that link its room, at first or second hand: the include path of a room
+#     is a folder of links to its own headers, so an include that runs upward doesn't compile.
 
 # zorvane_room(<name> FLOOR <n[.m]> [SOURCES <files>...] [HEADERS <files>...] [USES <rooms>...])
 # Files are named from the folder of the calling CMakeLists.txt and included by their path below src/.
@@ -14,7 +14,7 @@ function(zorvane_room name)
 
     foreach(used IN LISTS ROOM_USES)
         get_property(used_floor GLOBAL PROPERTY zorvane_${used}_FLOOR)
-        if(used_floor STREQUAL "")
+        if(NOT DEFINED used_floor OR used_floor STREQUAL "")
             message(FATAL_ERROR "Room '${name}' uses '${used}', which isn't a room that stands before it.")
         endif()
         if(NOT used_floor VERSION_LESS ROOM_FLOOR)

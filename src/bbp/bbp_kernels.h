@@ -7,7 +7,6 @@
 
 #include "platform/kernel_set.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -19,7 +18,8 @@ inline constexpr std::size_t digit_bits = 48;
 /// multiplications behind the throughput of the others.
 inline constexpr std::size_t block_terms = 64;
 
-/// The most terms that one call takes.
+/// The most terms that one call takes: few enough that the sums can't overflow, so many that normalising them between
+/// the calls costs nothing beside the terms.
 inline constexpr std::size_t max_call_terms = 32 * block_terms;
 
 /// The divisors that modes A and B take must be below these powers of two.

@@ -38,14 +38,13 @@ void BBPSession::print_menu() const {
     print_field("  2     Hexadecimal Offset:", zvp::format_number(offset, NumberForm::commas));
     print_field("  3     Digits to Compute:", zvp::format_number(digits, NumberForm::commas));
     print_line();
-    print_field("        Internal Precision:", zvp::format_number(std::uint64_t{words} * 8, NumberForm::commas),
-                'Y');
+    print_field("        Internal Precision:", zvp::format_number(std::uint64_t{words} * 8, NumberForm::commas), 'Y');
     print_field("        Terms Needed:", zvp::format_number(terms, NumberForm::commas), 'Y');
     print_field("        Largest Divisor:", zvp::format_number(largest_divisor, NumberForm::commas), 'Y');
     print_line();
     print_field("  4     Multi-Threading:", std::to_string(threads) + (threads == 1 ? " thread" : " threads"));
     print_field("  5     Pin Threads to Cores:", pin ? "Yes" : "No");
-    const std::string letters = std::string(mode_a ? "A " : "") + (mode_b ? "B" : "");
+    const std::string letters = std::string(mode_a ? "A" : "") + (mode_a && mode_b ? " " : "") + (mode_b ? "B" : "");
     print_field("  6     Modes:", letters.empty() ? "None" : letters, letters.empty() ? 'R' : 'G');
     print_line();
     std::string reason;

@@ -6,8 +6,6 @@
 #include "platform/clock.h"
 #include "platform/threads.h"
 
-#include <algorithm>
-
 namespace BBPv2 {
 
 namespace {
@@ -61,26 +59,23 @@ std::string record_text(const TermRecord& record) {
 
 void print_run_header(const zorvane::BBPSession& session) {
     zvp::print_line();
-    print_field("Formula", " " + std::string(formula_name(static_cast<Formula>(session.algorithm))));
-    zvp::print_line();
+    print_field("Formula: ", formula_name(static_cast<Formula>(session.algorithm)));
     print_field("Hexadecimal Offset: ", zvp::format_number(session.offset, NumberForm::commas));
     print_field("Digits to Compute: ", zvp::format_number(session.digits, NumberForm::commas));
     zvp::print_line();
     print_field("Threads: ", std::to_string(session.threads) + (session.pin ? "  (pinned to cores)" : ""));
     zvp::print_line();
     print_field("Terms Needed: ", zvp::format_number(session.terms, NumberForm::commas));
-    print_field("Internal Precision: ", zvp::format_number(std::uint64_t{session.words} * 8, NumberForm::commas)
-                                            + " Hexadecimal Digits");
+    print_field("Internal Precision: ",
+                zvp::format_number(std::uint64_t{session.words} * 8, NumberForm::commas) + " Hexadecimal Digits");
     zvp::print_line();
-    print_field("Start Time", zvp::platform::local_time_text());
-    zvp::print_line();
+    print_field("Start Time: ", zvp::platform::local_time_text());
 }
 
 void print_run_times(double wall_seconds, double user_seconds, double kernel_seconds) {
     zvp::print_line();
-    print_field("End Time", zvp::platform::local_time_text());
-    zvp::print_line();
-    print_field("Total Time", zvp::format_seconds(wall_seconds));
+    print_field("End Time: ", zvp::platform::local_time_text());
+    print_field("Total Time: ", zvp::format_seconds(wall_seconds));
     zvp::print_cpu_usage(wall_seconds, user_seconds, kernel_seconds,
                          static_cast<std::uint32_t>(zvp::platform::usable_cores().size()));
 }

@@ -1,5 +1,7 @@
 #include "bbp/bbp_session.h"
 
+#include "app/console/linear_console_status.h"
+#include "app/console/number_forms.h"
 #include "app/failure/exceptions.h"
 #include "bbp/bbp_kernels.h"
 #include "bbp/bbp_report.h"
@@ -9,16 +11,13 @@
 #include "platform/kernel_set.h"
 #include "platform/threads.h"
 
-#include "app/console/linear_console_status.h"
-#include "app/console/number_forms.h"
-
 #include <algorithm>
 
 namespace zorvane {
 
 BBPSession::BBPSession()
-    : threads(std::clamp<std::uint32_t>(static_cast<std::uint32_t>(zvp::platform::usable_cores().size()), 1,
-                                        max_threads)) {
+    : threads(
+        std::clamp<std::uint32_t>(static_cast<std::uint32_t>(zvp::platform::usable_cores().size()), 1, max_threads)) {
     update_settings();
 }
 
@@ -34,8 +33,7 @@ void BBPSession::update_settings() {
 
     limit_name = "0";
     limit = 0;
-    for (const auto& [enabled, bits] :
-         {std::pair{mode_a, BBPv2::mode_a_bits}, std::pair{mode_b, BBPv2::mode_b_bits}}) {
+    for (const auto& [enabled, bits] : {std::pair{mode_a, BBPv2::mode_a_bits}, std::pair{mode_b, BBPv2::mode_b_bits}}) {
         if (!enabled) continue;
         limit_name = "2^" + std::to_string(bits) + " - 1";
         limit = (std::uint64_t{1} << bits) - 1;
@@ -64,9 +62,8 @@ BBPv2::FractionFloat BBPSession::sum_records() const {
     zvp::LinearConsoleRoot root;
     BBPv2::FractionFloat total(words);
     for (const BBPv2::TermRecord& record : BBPv2::term_records(formula(), offset)) {
-        const std::uint64_t began = zvp::platform::performance_counter();
-        zvp::StatusNode& task = root.begin_task(BBPv2::record_text(record));
-        zvp::StatusNode& node = task.make_node({'w', "Summing...  "});
+        const zvp::StatusTask task(root, BBPv2::record_text(record));
+        zvp::StatusNode& node = task.node.make_node({'w', "Summing...  "});
         node.push_cell({'G', ""});
         node.update(true);
         const auto progress = [&](std::uint64_t done) {
@@ -75,10 +72,8 @@ BBPv2::FractionFloat BBPSession::sum_records() const {
             node.push_cell({'G', zvp::format_fixed(percent, 6) + " %"});
             node.update();
         };
-        const BBPv2::FractionFloat sum =
-            BBPv2::sum_record(record, terms, words, modes, {threads, pin}, progress);
+        const BBPv2::FractionFloat sum = BBPv2::sum_record(record, terms, words, modes, {threads, pin}, progress);
         record.positive ? total += sum : total -= sum;
-        root.end_task(static_cast<double>(zvp::platform::performance_counter() - began) * 1e-9);
     }
     return total;
 }

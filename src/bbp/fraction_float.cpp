@@ -11,8 +11,7 @@ FractionFloat::FractionFloat(std::size_t length) : words(length) {
 }
 
 void FractionFloat::check_length(const FractionFloat& other) const {
-    if (length() != other.length())
-        throw zvp::InvalidParametersException("FractionFloat", "Lengths do not match.");
+    if (length() != other.length()) throw zvp::InvalidParametersException("FractionFloat", "Lengths do not match.");
 }
 
 FractionFloat& FractionFloat::operator+=(const FractionFloat& other) {

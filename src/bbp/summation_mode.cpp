@@ -24,8 +24,7 @@ std::uint64_t first_negative(std::int64_t step, std::int64_t start, std::uint64_
 } // namespace
 
 void SummationMode::check_divisor(std::uint64_t largest) const {
-    static std::atomic<bool> warned{false};
-    if (largest <= limit() || warned.exchange(true)) return;
+    if (largest <= limit() || warned().exchange(true)) return;
     const std::lock_guard lock(zvp::console_mutex());
     zvp::print_warning("Maximum coefficient size of 2^" + std::to_string(limit_bits())
                        + " has been exceeded.\nFurther messages for this warning will be suppressed.\n");
@@ -53,6 +52,16 @@ void SummationMode::sum_range(FractionFloat& out, std::uint64_t a, std::uint64_t
     digits.add_to(out);
 }
 
+std::atomic<bool>& ModeA::warned() const {
+    static std::atomic<bool> flag{false};
+    return flag;
+}
+
+std::atomic<bool>& ModeB::warned() const {
+    static std::atomic<bool> flag{false};
+    return flag;
+}
+
 void ModeA::sum_powers(std::int64_t* digits, std::size_t n, const PowerTerms& terms) const {
     kernels.sum_powers_mode_a(digits, n, terms);
 }
@@ -61,8 +70,8 @@ void ModeB::sum_powers(std::int64_t* digits, std::size_t n, const PowerTerms& te
     kernels.sum_powers_mode_b(digits, n, terms);
 }
 
-std::vector<ModeRange> SummableRange(const std::vector<const SummationMode*>& modes, std::uint64_t a,
-                                     std::uint64_t b, std::uint64_t k0, std::uint64_t k1) {
+std::vector<ModeRange> SummableRange(const std::vector<const SummationMode*>& modes, std::uint64_t a, std::uint64_t b,
+                                     std::uint64_t k0, std::uint64_t k1) {
     std::vector<ModeRange> ranges;
     std::uint64_t k = k0;
     for (const SummationMode* mode : modes) {
@@ -74,9 +83,8 @@ std::vector<ModeRange> SummableRange(const std::vector<const SummationMode*>& mo
         k = end;
     }
     if (k < k1)
-        throw zvp::InvalidParametersException("BBPv2::SummableRange()",
-                                              modes.empty() ? "No modes enabled."
-                                                            : "No mode is able to handle this range.");
+        throw zvp::InvalidParametersException(
+            "BBPv2::SummableRange()", modes.empty() ? "No modes enabled." : "No mode is able to handle this range.");
     std::reverse(ranges.begin(), ranges.end());
     return ranges;
 }

@@ -4,6 +4,7 @@
 #include "bbp/bbp_kernels.h"
 #include "bbp/fraction_float.h"
 
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
@@ -20,13 +21,13 @@ public:
 
     /// Adds to `out`, modulo 1, the sum over k in [k0, k1) of 2^(step * k + start) / (a * k + b), for step < 0.
     /// The error is below one unit of 2^-(48 n) for each term, n = DigitBuffer::digit_count() of the words of
-    /// `out`. Divisors beyond the limit are told in a warning, once per process.
-    void sum_range(FractionFloat& out, std::uint64_t a, std::uint64_t b, std::int64_t step, std::int64_t start,
-                   std::uint64_t k0, std::uint64_t k1) const;
+    /// `out`. Divisors beyond the limit are told in a warning, once per process and mode.
+    virtual void sum_range(FractionFloat& out, std::uint64_t a, std::uint64_t b, std::int64_t step, std::int64_t start,
+                           std::uint64_t k0, std::uint64_t k1) const;
 
     /// The same for the single index k.
-    void sum_term(FractionFloat& out, std::uint64_t a, std::uint64_t b, std::int64_t step, std::int64_t start,
-                  std::uint64_t k) const {
+    virtual void sum_term(FractionFloat& out, std::uint64_t a, std::uint64_t b, std::int64_t step, std::int64_t start,
+                          std::uint64_t k) const {
         sum_range(out, a, b, step, start, k, k + 1);
     }
 
@@ -34,6 +35,7 @@ protected:
     explicit SummationMode(const BBPKernels& kernels_) : kernels(kernels_) {}
 
     virtual void sum_powers(std::int64_t* digits, std::size_t n, const PowerTerms& terms) const = 0;
+    virtual std::atomic<bool>& warned() const = 0;
 
     const BBPKernels& kernels;
 
@@ -49,6 +51,7 @@ public:
 
 protected:
     void sum_powers(std::int64_t* digits, std::size_t n, const PowerTerms& terms) const override;
+    std::atomic<bool>& warned() const override;
 };
 
 /// A reduction behind each step, for divisors below 2^51.
@@ -59,6 +62,7 @@ public:
 
 protected:
     void sum_powers(std::int64_t* digits, std::size_t n, const PowerTerms& terms) const override;
+    std::atomic<bool>& warned() const override;
 };
 
 struct ModeRange {
@@ -70,7 +74,7 @@ struct ModeRange {
 /// Cuts [k0, k1) of a record with divisors a * k + b into ranges, each with the first of the modes, in the
 /// order given, that takes its divisors. The ranges with the largest divisors come first. Raises
 /// InvalidParametersException when the modes don't reach k1.
-std::vector<ModeRange> SummableRange(const std::vector<const SummationMode*>& modes, std::uint64_t a,
-                                     std::uint64_t b, std::uint64_t k0, std::uint64_t k1);
+std::vector<ModeRange> SummableRange(const std::vector<const SummationMode*>& modes, std::uint64_t a, std::uint64_t b,
+                                     std::uint64_t k0, std::uint64_t k1);
 
 } // namespace BBPv2

@@ -20,8 +20,7 @@ std::vector<TermRecord> term_records(Formula formula, std::uint64_t offset) {
     const auto d = 4 * static_cast<std::int64_t>(offset);
     // Fractions with even numerators are reduced: 2/(8k+4) = 2^-1/(2k+1), 1/(8k+6) = 2^-1/(4k+3).
     if (formula == Formula::bbp_4_terms)
-        return {
-            {8, 1, -4, d + 2, true}, {2, 1, -4, d - 1, false}, {8, 5, -4, d, false}, {4, 3, -4, d - 1, false}};
+        return {{8, 1, -4, d + 2, true}, {2, 1, -4, d - 1, false}, {8, 5, -4, d, false}, {4, 3, -4, d - 1, false}};
     return {{8, 1, -20, d - 1, false},   {8, 3, -20, d - 6, false},   {8, 5, -20, d - 11, true},
             {8, 7, -20, d - 16, true},   {20, 1, -20, d + 2, true},   {20, 3, -20, d, false},
             {20, 5, -20, d - 4, false},  {20, 7, -20, d - 4, false},  {20, 9, -20, d - 6, true},

@@ -109,7 +109,8 @@ std::uint64_t chunk_terms(std::uint64_t remaining, std::uint32_t threads) {
 FractionFloat sum_record(const TermRecord& record, std::uint64_t terms, std::size_t words,
                          const std::vector<const SummationMode*>& modes, const ThreadSettings& settings,
                          const std::function<void(std::uint64_t done)>& progress) {
-    return RecordSum(record, terms, words, modes, settings, progress).run();
+    const ThreadSettings at_least_one{std::max(1u, settings.threads), settings.pin};
+    return RecordSum(record, terms, words, modes, at_least_one, progress).run();
 }
 
 } // namespace BBPv2

@@ -17,9 +17,7 @@ std::uint64_t read_clock(clockid_t clock) noexcept {
     return static_cast<std::uint64_t>(t.tv_sec) * 1'000'000'000u + static_cast<std::uint64_t>(t.tv_nsec);
 }
 
-double seconds(const timeval& t) {
-    return static_cast<double>(t.tv_sec) + 1e-6 * static_cast<double>(t.tv_usec);
-}
+double seconds(const timeval& t) { return static_cast<double>(t.tv_sec) + 1e-6 * static_cast<double>(t.tv_usec); }
 
 std::atomic<long> utc_offset_seconds{0};
 
@@ -30,8 +28,7 @@ void set_date(CalendarTime& result, std::int64_t days) {
     days += 719'468;
     const std::int64_t era = (days >= 0 ? days : days - 146'096) / 146'097;
     const auto day_of_era = static_cast<unsigned>(days - era * 146'097);
-    const unsigned year_of_era =
-        (day_of_era - day_of_era / 1460 + day_of_era / 36'524 - day_of_era / 146'096) / 365;
+    const unsigned year_of_era = (day_of_era - day_of_era / 1460 + day_of_era / 36'524 - day_of_era / 146'096) / 365;
     const unsigned day_of_year = day_of_era - (365 * year_of_era + year_of_era / 4 - year_of_era / 100);
     const unsigned shifted_month = (5 * day_of_year + 2) / 153;
     result.day = static_cast<int>(day_of_year - (153 * shifted_month + 2) / 5 + 1);
@@ -53,9 +50,7 @@ ProcessTimes process_times() {
     return {seconds(usage.ru_utime), seconds(usage.ru_stime)};
 }
 
-std::int64_t wall_clock_milliseconds() {
-    return static_cast<std::int64_t>(read_clock(CLOCK_REALTIME) / 1'000'000u);
-}
+std::int64_t wall_clock_milliseconds() { return static_cast<std::int64_t>(read_clock(CLOCK_REALTIME) / 1'000'000u); }
 
 CalendarTime local_time() {
     const std::time_t now = std::time(nullptr);
@@ -72,9 +67,8 @@ std::string local_time_text() {
                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     const CalendarTime t = local_time();
     std::array<char, 64> text;
-    std::snprintf(text.data(), text.size(), "%s %s %d %02d:%02d:%02d %d",
-                  weekdays[static_cast<std::size_t>(t.weekday)], months[static_cast<std::size_t>(t.month - 1)],
-                  t.day, t.hour, t.minute, t.second, t.year);
+    std::snprintf(text.data(), text.size(), "%s %s %d %02d:%02d:%02d %d", weekdays[static_cast<std::size_t>(t.weekday)],
+                  months[static_cast<std::size_t>(t.month - 1)], t.day, t.hour, t.minute, t.second, t.year);
     return text.data();
 }
 

@@ -39,7 +39,7 @@ CalendarTime local_time();
 /// The local date and time as text, such as "Sun Nov 22 22:10:49 2026".
 std::string local_time_text();
 
-/// Local time computed from the UTC offset that the process had at its first local_time() call. Takes no lock
+/// Local time computed from the UTC offset that the last local_time() call saw. Takes no lock
 /// and is async-signal-safe, for the crash filter.
 CalendarTime local_time_in_signal() noexcept;
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -21,6 +22,11 @@ void write_output(std::string_view text) noexcept {
     while (!text.empty()) {
         const ssize_t written = write(STDOUT_FILENO, text.data(), text.size());
         if (written < 0 && errno == EINTR) continue;
+        if (written < 0 && errno == EAGAIN) { // another program made the terminal non-blocking
+            pollfd output{STDOUT_FILENO, POLLOUT, 0};
+            poll(&output, 1, -1);
+            continue;
+        }
         if (written <= 0) return;
         text.remove_prefix(static_cast<std::size_t>(written));
     }
@@ -71,7 +77,7 @@ void wait_for_key() noexcept {
     if (tcgetattr(STDIN_FILENO, &saved) != 0) return;
     write_output("Press any key to continue . . . ");
     termios raw = saved;
-    raw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
+    raw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | ISIG); // Ctrl-C is a key here, not a way to leave it so
     raw.c_cc[VMIN] = 1;
     raw.c_cc[VTIME] = 0;
     tcsetattr(STDIN_FILENO, TCSANOW, &raw);

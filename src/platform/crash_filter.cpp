@@ -164,8 +164,7 @@ void end_by_fault(const Fault& fault) noexcept {
 long current_thread_number() noexcept { return syscall(SYS_gettid); }
 
 void sleep_milliseconds(unsigned milliseconds) noexcept {
-    timespec t{static_cast<std::time_t>(milliseconds / 1000),
-               static_cast<long>(milliseconds % 1000) * 1'000'000};
+    timespec t{static_cast<std::time_t>(milliseconds / 1000), static_cast<long>(milliseconds % 1000) * 1'000'000};
     while (nanosleep(&t, &t) != 0 && errno == EINTR) {
     }
 }

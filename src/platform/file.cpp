@@ -2,7 +2,9 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -49,14 +51,16 @@ int read_whole_file(const std::string& path, std::string& content) {
 }
 
 int write_whole_file(const std::string& path, std::string_view content) {
-    const std::string fresh = path + ".new";
+    const std::unique_ptr<char, decltype(&std::free)> resolved(realpath(path.c_str(), nullptr), &std::free);
+    const std::string target = resolved ? resolved.get() : path; // a link stays a link
+    const std::string fresh = target + ".new-" + std::to_string(getpid());
     int error;
     {
-        const Descriptor file{open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)};
+        const Descriptor file{open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666)};
         if (file.number < 0) return errno;
         error = write_all(file.number, content);
     }
-    if (error == 0 && rename(fresh.c_str(), path.c_str()) != 0) error = errno;
+    if (error == 0 && rename(fresh.c_str(), target.c_str()) != 0) error = errno;
     if (error != 0) unlink(fresh.c_str());
     return error;
 }

@@ -47,8 +47,8 @@ KernelSetChoice choose_kernel_set(std::string_view forced) {
     if (forced.empty()) return choice;
     for (const KernelSet set : all_kernel_sets)
         if (kernel_set_name(set) == forced && kernel_set_supported(set)) return {set, ""};
-    choice.error = "ZORVANE_KERNELS names the kernel set \"" + std::string(forced)
-                   + "\". This machine runs: " + names + ".";
+    choice.error =
+        "ZORVANE_KERNELS names the kernel set \"" + std::string(forced) + "\". This machine runs: " + names + ".";
     return choice;
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 // This process: its file, its priority, its end.
 
-#include <cstdint>
 #include <optional>
 #include <string>
 

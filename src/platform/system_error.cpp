@@ -26,8 +26,7 @@ std::string_view system_error_text(int error) noexcept {
     case EINVAL: return "Invalid parameter. This can happen if the sector alignment is too small.";
     case ENODEV:
     case ENOTCONN: return "The device has been disconnected. Is the connection stable?";
-    case EDQUOT:
-    case EAGAIN: return "Insufficient quota. System may be low on memory.";
+    case EDQUOT: return "Insufficient quota. System may be low on memory.";
     default: return "Unknown Error, See:\nman 3 errno";
     }
 }

@@ -1,5 +1,7 @@
 #include "platform/threads.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <sched.h>
 #include <thread>
@@ -25,8 +27,7 @@ std::vector<unsigned> read_usable_cores() {
         break;
     }
     if (cores.empty())
-        for (unsigned core = 0; core < std::max(1u, std::thread::hardware_concurrency()); ++core)
-            cores.push_back(core);
+        for (unsigned core = 0; core < std::max(1u, std::thread::hardware_concurrency()); ++core) cores.push_back(core);
     return cores;
 }
 

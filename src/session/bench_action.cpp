@@ -59,8 +59,8 @@ std::vector<std::pair<std::string, Table::Handler>> bench_rows() {
              line.advance();
              request.output_path = line.take_parameter();
          }},
-        {"-od", [](BenchRequest& request,
-                   Line& line) { request.output_enabled = zvp::parse_sL(line.take_value()) != 0; }},
+        {"-od",
+         [](BenchRequest& request, Line& line) { request.output_enabled = zvp::parse_sL(line.take_value()) != 0; }},
         {"-TD", take_task_decomposition},
         {"-PF", take_framework},
         {"-MA", take_allocator},

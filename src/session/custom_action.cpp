@@ -14,9 +14,9 @@ namespace {
 
 using Line = CommandLine::CommandLine;
 
-constexpr std::array<std::string_view, 13> constant_names{
-    "sqrt",    "goldenratio", "e",          "pi",    "log",   "apery", "zeta3",
-    "zeta(3)", "catalan",     "lemniscate", "gamma", "brent", "custom"};
+constexpr std::array<std::string_view, 13> constant_names{"sqrt",  "goldenratio", "e",       "pi",      "log",
+                                                          "apery", "zeta3",       "zeta(3)", "catalan", "lemniscate",
+                                                          "gamma", "brent",       "custom"};
 
 void take_mode(CustomRequest& request, Line& line) {
     if (line.value() != "ram" && line.value() != "swap")
@@ -29,26 +29,20 @@ void take_output_path(CustomRequest& request, Line& line) {
     request.output_path = line.take_parameter();
 }
 
-void take_compression(CustomRequest& request, Line& line) {
-    request.compression = zvp::parse_s32(line.take_value());
-}
+void take_compression(CustomRequest& request, Line& line) { request.compression = zvp::parse_s32(line.take_value()); }
 
 } // namespace
 
 const CommandLine::OptionTable<CustomRequest>& custom_options() {
     static const CommandLine::OptionTable<CustomRequest> table({
         {"-algorithm", [](auto& request, auto& line) { request.algorithm = line.take_value(); }},
-        {"-dec",
-         [](auto& request, auto& line) { request.decimal_digits = zvp::parse_digits(line.take_value()); }},
-        {"-hex",
-         [](auto& request, auto& line) { request.hexadecimal_digits = zvp::parse_digits(line.take_value()); }},
+        {"-dec", [](auto& request, auto& line) { request.decimal_digits = zvp::parse_digits(line.take_value()); }},
+        {"-hex", [](auto& request, auto& line) { request.hexadecimal_digits = zvp::parse_digits(line.take_value()); }},
         {"-o", take_output_path},
-        {"-od",
-         [](auto& request, auto& line) { request.output_enabled = zvp::parse_sL(line.take_value()) != 0; }},
+        {"-od", [](auto& request, auto& line) { request.output_enabled = zvp::parse_sL(line.take_value()) != 0; }},
         {"-C", take_compression},
         {"-compress", take_compression},
-        {"-verify",
-         [](auto& request, auto& line) { request.verify_output = zvp::parse_sL(line.take_value()) != 0; }},
+        {"-verify", [](auto& request, auto& line) { request.verify_output = zvp::parse_sL(line.take_value()) != 0; }},
         {"-mode", take_mode},
         {"-MA", take_allocator},
         {"-PF", take_framework},

@@ -16,13 +16,9 @@ void require_swap_mode(const ResourceRequest& request, const CommandLine::Comman
 
 } // namespace
 
-void take_allocator(ResourceRequest& request, CommandLine::CommandLine& line) {
-    request.allocator = line.take_value();
-}
+void take_allocator(ResourceRequest& request, CommandLine::CommandLine& line) { request.allocator = line.take_value(); }
 
-void take_framework(ResourceRequest& request, CommandLine::CommandLine& line) {
-    request.framework = line.take_value();
-}
+void take_framework(ResourceRequest& request, CommandLine::CommandLine& line) { request.framework = line.take_value(); }
 
 void take_task_decomposition(ResourceRequest& request, CommandLine::CommandLine& line) {
     const std::uint32_t count = zvp::parse_u32(line.take_value());
@@ -49,8 +45,7 @@ void take_far_memory(ResourceRequest& request, CommandLine::CommandLine& line) {
         throw zvp::InvalidParametersException("", "Unrecognized mode: " + line.value());
     request.far_memory = line.take_value();
     while (!line.at_end()) request.far_memory_paths.push_back(line.take_parameter());
-    if (request.far_memory_paths.empty())
-        throw zvp::InvalidParametersException("", "Invalid RaidFile configuration.");
+    if (request.far_memory_paths.empty()) throw zvp::InvalidParametersException("", "Invalid RaidFile configuration.");
 }
 
 } // namespace zorvane

@@ -23,16 +23,13 @@ std::vector<std::pair<std::string, Table::Handler>> stress_rows() {
          [](StressRequest& request, Line& line) {
              request.seconds_per_test = std::clamp(zvp::parse_u32(line.take_value()), 1u, max_seconds);
          }},
-        {"-TL",
-         [](StressRequest& request, Line& line) {
-             request.seconds_total = std::min(zvp::parse_u32(line.take_value()), max_seconds);
-         }},
+        {"-TL", [](StressRequest& request,
+                   Line& line) { request.seconds_total = std::min(zvp::parse_u32(line.take_value()), max_seconds); }},
         // A test of other builds: known by name, refused like a word that isn't known.
         {"C17", [](StressRequest&, Line& line) { CommandLine::reject_parameter(line); }},
     };
     for (const char* tag : {"BKT", "BBP", "FFT", "N32", "N64", "HNT", "VST"})
-        rows.emplace_back(
-            tag, [](StressRequest& request, Line& line) { request.tests.insert(line.take_parameter()); });
+        rows.emplace_back(tag, [](StressRequest& request, Line& line) { request.tests.insert(line.take_parameter()); });
     return rows;
 }
 

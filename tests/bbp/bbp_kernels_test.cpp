@@ -79,8 +79,7 @@ Digits merged(DigitBuffer& buffer, std::size_t lanes) {
 std::uint64_t distance(const Digits& a, const Digits& b) {
     Wide difference = 0;
     for (std::size_t j = 0; j < a.size(); ++j) {
-        difference =
-            difference * static_cast<Wide>(digit_base) + static_cast<Wide>(a[j]) - static_cast<Wide>(b[j]);
+        difference = difference * static_cast<Wide>(digit_base) + static_cast<Wide>(a[j]) - static_cast<Wide>(b[j]);
         const Wide whole = static_cast<Wide>(digit_base);
         if (j == 0 && difference > whole / 2) difference -= whole; // wraps around 1
         if (j == 0 && difference < -whole / 2) difference += whole;
@@ -90,8 +89,8 @@ std::uint64_t distance(const Digits& a, const Digits& b) {
 }
 
 std::string describe(const char* kind, std::uint64_t divisor, std::uint64_t exponent, std::size_t count) {
-    return std::string(kind) + " divisor " + std::to_string(divisor) + " exponent or shift "
-           + std::to_string(exponent) + " count " + std::to_string(count) + "; " + test::seed_trace();
+    return std::string(kind) + " divisor " + std::to_string(divisor) + " exponent or shift " + std::to_string(exponent)
+           + " count " + std::to_string(count) + "; " + test::seed_trace();
 }
 
 class KernelTest : public testing::TestWithParam<zvp::platform::KernelSet> {
@@ -156,8 +155,7 @@ TEST_P(KernelTest, ShiftedTermsBeginAtTheirOwnPlace) {
 }
 
 TEST_P(KernelTest, TheLongestCallDoesNotOverflowASum) {
-    const PowerTerms terms{(std::uint64_t{1} << mode_b_bits) - 1 - 8 * max_call_terms, 8, 1u << 30, 4,
-                           max_call_terms};
+    const PowerTerms terms{(std::uint64_t{1} << mode_b_bits) - 1 - 8 * max_call_terms, 8, 1u << 30, 4, max_call_terms};
     expect_exact(kernels.sum_powers_mode_b, terms);
 }
 

@@ -17,8 +17,7 @@ FractionFloat pi_fraction(Formula formula, std::uint64_t offset, const std::vect
     FractionFloat total(words);
     const std::uint64_t terms = terms_needed(formula, offset, 8 * words).terms;
     for (const TermRecord& record : term_records(formula, offset)) {
-        const FractionFloat sum =
-            sum_record(record, terms, words, modes, {threads, false}, [](std::uint64_t) {});
+        const FractionFloat sum = sum_record(record, terms, words, modes, {threads, false}, [](std::uint64_t) {});
         record.positive ? total += sum : total -= sum;
     }
     return total;
@@ -74,8 +73,7 @@ TEST(Summation, ARangeIsTheSumOfItsTermsWhereExponentsPassBelowZero) {
             for (std::uint64_t k = 0; k < 150; ++k) mode.sum_term(terms, 8, 1, -4, start, k);
             whole -= terms;
             for (std::size_t i = 0; i < 7; ++i)
-                EXPECT_TRUE(whole.words[i] == 0 || whole.words[i] == 0xFFFF'FFFF)
-                    << test::name_of(set) << start;
+                EXPECT_TRUE(whole.words[i] == 0 || whole.words[i] == 0xFFFF'FFFF) << test::name_of(set) << start;
         }
     }
 }
@@ -84,8 +82,7 @@ TEST(Summation, ADivisorBeyondTheModeIsToldOnce) {
     const ModeA mode(bbp_kernels(KernelSet::sse3));
     FractionFloat out(3);
     const auto sum = [&] { mode.sum_term(out, 8, 1, -4, 1'000'000, (std::uint64_t{1} << 46) + 1); };
-    EXPECT_NE(test::printed_by(sum).find("Maximum coefficient size of 2^49 has been exceeded."),
-              std::string::npos);
+    EXPECT_NE(test::printed_by(sum).find("Maximum coefficient size of 2^49 has been exceeded."), std::string::npos);
     EXPECT_EQ(test::printed_by(sum), "");
 }
 
@@ -112,8 +109,7 @@ TEST(SummableRange, GivesEachModeItsDivisorsTheLargestFirst) {
     };
     using Modes = std::vector<const SummationMode*>;
     EXPECT_EQ(message_of(Modes{}, 1), "BBPv2::SummableRange(): No modes enabled.");
-    EXPECT_EQ(message_of(Modes{&a, &b}, last_b + 1),
-              "BBPv2::SummableRange(): No mode is able to handle this range.");
+    EXPECT_EQ(message_of(Modes{&a, &b}, last_b + 1), "BBPv2::SummableRange(): No mode is able to handle this range.");
     EXPECT_EQ(message_of(Modes{&a, &b}, last_b), "nothing thrown");
 }
 
@@ -130,14 +126,10 @@ TEST(ThreadedSum, AThreadsFailureEndsTheRunAndIsThrownToTheCaller) {
     const ModeA mode(bbp_kernels(KernelSet::sse3));
     const TermRecord record{8, 1, -4, 4'000'002, true};
     for (const std::uint32_t threads : {1u, 3u}) {
-        const auto fail = [](std::uint64_t) {
-            throw zvp::AlgorithmFailedException("progress()", "Out of luck.");
-        };
-        EXPECT_THROW(sum_record(record, 200'000, 4, {&mode}, {threads, true}, fail),
-                     zvp::AlgorithmFailedException);
+        const auto fail = [](std::uint64_t) { throw zvp::AlgorithmFailedException("progress()", "Out of luck."); };
+        EXPECT_THROW(sum_record(record, 200'000, 4, {&mode}, {threads, true}, fail), zvp::AlgorithmFailedException);
     }
-    EXPECT_THROW(sum_record(record, 100, 4, {}, {2, false}, [](std::uint64_t) {}),
-                 zvp::InvalidParametersException);
+    EXPECT_THROW(sum_record(record, 100, 4, {}, {2, false}, [](std::uint64_t) {}), zvp::InvalidParametersException);
 }
 
 TEST(BBPSession, DerivesItsSizesFromTheSettings) {

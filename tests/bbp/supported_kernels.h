@@ -14,8 +14,6 @@ inline std::vector<zvp::platform::KernelSet> supported_kernel_sets() {
     return sets;
 }
 
-inline std::string name_of(zvp::platform::KernelSet set) {
-    return std::string(zvp::platform::kernel_set_name(set));
-}
+inline std::string name_of(zvp::platform::KernelSet set) { return std::string(zvp::platform::kernel_set_name(set)); }
 
 } // namespace test

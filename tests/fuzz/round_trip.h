@@ -26,9 +26,8 @@ inline bool has_bare_keys(const zvp::Node& node) {
     if (node.type != zvp::NodeType::object) return true;
     for (const zvp::Object::Entry* entry : node.as_object("fuzz").entries()) {
         for (const char c : entry->key)
-            if (static_cast<unsigned char>(c) <= ' ' || static_cast<unsigned char>(c) >= 0x7F || c == ':'
-                || c == ',' || c == ';' || c == '<' || c == '>' || c == '[' || c == ']' || c == '{' || c == '}'
-                || c == '`')
+            if (static_cast<unsigned char>(c) <= ' ' || static_cast<unsigned char>(c) >= 0x7F || c == ':' || c == ','
+                || c == ';' || c == '<' || c == '>' || c == '[' || c == ']' || c == '{' || c == '}' || c == '`')
                 return false;
         if (entry->key.empty() || entry->key.find("//") != std::string::npos) return false;
         if (!has_bare_keys(*entry->value)) return false;

@@ -34,8 +34,8 @@ TEST(Clock, ASignalSeesTheSameLocalTime) {
     bool equal = false;
     for (int i = 0; i < 5 && !equal; ++i) {
         const CalendarTime a = local_time(), b = local_time_in_signal();
-        equal = a.year == b.year && a.month == b.month && a.day == b.day && a.hour == b.hour
-                && a.minute == b.minute && a.second == b.second && a.weekday == b.weekday;
+        equal = a.year == b.year && a.month == b.month && a.day == b.day && a.hour == b.hour && a.minute == b.minute
+                && a.second == b.second && a.weekday == b.weekday;
     }
     EXPECT_TRUE(equal);
 }
@@ -49,10 +49,9 @@ TEST(Threads, BindingToAUsableCoreHolds) {
 
 TEST(File, AFailedWriteLeavesTheOldFile) {
     const test::TemporaryFolder folder;
-    const std::string path = folder.path / "settings.cfg";
-    EXPECT_EQ(write_whole_file(path, "old"), 0);
-    std::filesystem::create_directory(path + ".new"); // the fresh copy can't be made
-    EXPECT_EQ(write_whole_file(path, "fresh"), EISDIR);
+    const std::string path = folder.path / std::string(250, 'x'); // too long for the name of a fresh copy beside it
+    test::write_file(path, "old");
+    EXPECT_EQ(write_whole_file(path, "fresh"), ENAMETOOLONG);
     std::string content;
     EXPECT_EQ(read_whole_file(path, content), 0);
     EXPECT_EQ(content, "old");
@@ -64,8 +63,7 @@ TEST(SystemError, TellsCausesThatAUserCanMend) {
     EXPECT_EQ(system_error_text(ENOENT), "Path does not exist.");
     EXPECT_EQ(system_error_text(EACCES), "Access Denied");
     EXPECT_EQ(system_error_text(ENOSPC), "Disk is Full");
-    EXPECT_EQ(system_error_text(EINVAL),
-              "Invalid parameter. This can happen if the sector alignment is too small.");
+    EXPECT_EQ(system_error_text(EINVAL), "Invalid parameter. This can happen if the sector alignment is too small.");
     EXPECT_TRUE(system_error_text(EXDEV).starts_with("Unknown Error, See:\n"));
 }
 

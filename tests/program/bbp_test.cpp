@@ -56,8 +56,7 @@ std::vector<Case> all_cases() {
 }
 
 std::string settings(std::uint64_t offset, std::size_t digits, int threads = 1) {
-    return "2\n" + std::to_string(offset) + "\n3\n" + std::to_string(digits) + "\n4\n" + std::to_string(threads)
-           + "\n";
+    return "2\n" + std::to_string(offset) + "\n3\n" + std::to_string(digits) + "\n4\n" + std::to_string(threads) + "\n";
 }
 
 /// The answers that switch these modes on or off.
@@ -81,8 +80,7 @@ std::string printed_digits(const std::string& output) {
     const std::size_t heading = output.find("starting from: 16^-");
     std::string digits;
     for (std::size_t i = std::min(output.find("\n\n", heading), output.size()); i < output.size(); ++i)
-        if (std::isxdigit(static_cast<unsigned char>(output[i])))
-            digits += static_cast<char>(std::tolower(output[i]));
+        if (std::isxdigit(static_cast<unsigned char>(output[i]))) digits += static_cast<char>(std::tolower(output[i]));
     return digits;
 }
 
@@ -90,8 +88,7 @@ class DigitsOfPi : public testing::TestWithParam<Case> {};
 
 TEST_P(DigitsOfPi, AreWrong) {
     const Case& c = GetParam();
-    if (!kernel_set_supported(c.kernels))
-        GTEST_SKIP() << "this machine can't run " << kernel_set_name(c.kernels);
+    if (!kernel_set_supported(c.kernels)) GTEST_SKIP() << "this machine can't run " << kernel_set_name(c.kernels);
     ProgramRun run = zorvane("bbp", menu_input(c));
     run.environment = {{"ZORVANE_KERNELS", std::string(kernel_set_name(c.kernels))}};
     const ProgramResult result = run_program(run);
@@ -125,8 +122,7 @@ TEST(Report, ALineIsMissingOrMisprinted) {
     const ProgramRun run = zorvane("bbp", settings(1'000, 64) + "0\n");
     const ProgramResult result = run_program(run);
     const std::regex report(R"(
-Formula                  Original 4-term BBP
-
+Formula:                Original 4-term BBP
 Hexadecimal Offset:     1,000
 Digits to Compute:      64
 
@@ -135,8 +131,7 @@ Threads:                1  \(pinned to cores\)
 Terms Needed:           1,080
 Internal Precision:     80 Hexadecimal Digits
 
-Start Time              .*
-
+Start Time:             .*
 Frac\( 1/\(8k \+ 1\) \* 2\^\(-4k \+ 4002\) \)
 Time:    .*
 Frac\( 1/\(2k \+ 1\) \* 2\^\(-4k \+ 3999\) \)
@@ -146,9 +141,8 @@ Time:    .*
 Frac\( 1/\(4k \+ 3\) \* 2\^\(-4k \+ 3999\) \)
 Time:    .*
 
-End Time                .*
-
-Total Time              .*
+End Time:               .*
+Total Time:             .*
 (?:.*\n){2}
 Green = Requested digits that should be correct.
 Red  = Extra working precision. May not be correct.
@@ -163,8 +157,7 @@ $)");
 }
 
 TEST(Start, ARunBeyondTheModesIsOfferedOrOneWithinThemRefused) {
-    constexpr std::uint64_t last_in_a = (std::uint64_t{1} << 46) - 25,
-                            last_in_b = (std::uint64_t{1} << 48) - 25;
+    constexpr std::uint64_t last_in_a = (std::uint64_t{1} << 46) - 25, last_in_b = (std::uint64_t{1} << 48) - 25;
     const std::string ready = "  0     Start Computation!\n", refused = "        Cannot Start: ";
     const std::string beyond_a = refused + "Divisor exceeds limit of 2^49 - 1.\n";
     const std::string beyond_b = refused + "Divisor exceeds limit of 2^51 - 1.\n";

@@ -39,21 +39,16 @@ TEST(Crash, LeavesNoRecord) {
         const char* marker;
         void (*send)(int process, int signal);
     } cases[] = {
-        {SIGSEGV, "SIGSEGV", "", "option: ", to_process},
-        {SIGSEGV, "SIGSEGV", long_run, "Frac(", to_process},
-        {SIGSEGV, "SIGSEGV", long_run, "Frac(", signal_worker},
-        {SIGABRT, "SIGABRT", "", "option: ", to_process},
-        {SIGABRT, "SIGABRT", long_run, "Frac(", signal_worker},
-        {SIGFPE, "SIGFPE", long_run, "Frac(", signal_worker},
-        {SIGILL, "SIGILL", "", "option: ", to_process},
-        {SIGBUS, "SIGBUS", "", "option: ", to_process},
+        {SIGSEGV, "SIGSEGV", "", "option: ", to_process},       {SIGSEGV, "SIGSEGV", long_run, "Frac(", to_process},
+        {SIGSEGV, "SIGSEGV", long_run, "Frac(", signal_worker}, {SIGABRT, "SIGABRT", "", "option: ", to_process},
+        {SIGABRT, "SIGABRT", long_run, "Frac(", signal_worker}, {SIGFPE, "SIGFPE", long_run, "Frac(", signal_worker},
+        {SIGILL, "SIGILL", "", "option: ", to_process},         {SIGBUS, "SIGBUS", "", "option: ", to_process},
     };
     for (const auto& c : cases) {
         const TemporaryFolder folder;
         ProgramRun run = zorvane("bbp", c.input);
         run.working_directory = folder.path;
-        const ProgramResult result =
-            run_and_act(run, c.marker, [&](int process) { c.send(process, c.signal); });
+        const ProgramResult result = run_and_act(run, c.marker, [&](int process) { c.send(process, c.signal); });
         EXPECT_EQ(result.signal, c.signal) << describe(run, result);
         EXPECT_TRUE(result.output.ends_with(told + told_done)) << describe(run, result);
         using std::filesystem::directory_iterator;
@@ -66,8 +61,7 @@ TEST(Crash, LeavesNoRecord) {
              {"Signal:   " + std::to_string(c.signal) + "  " + c.name, std::string("    rip = 0x")})
             EXPECT_NE(record.find(line), std::string::npos) << record;
         const std::size_t frames = std::min(record.find("\nBacktrace:\n"), record.size());
-        EXPECT_GE(std::count(record.begin() + static_cast<std::ptrdiff_t>(frames), record.end(), '\n'), 5)
-            << record;
+        EXPECT_GE(std::count(record.begin() + static_cast<std::ptrdiff_t>(frames), record.end(), '\n'), 5) << record;
     }
 }
 

@@ -18,14 +18,13 @@ const std::string long_number(5000, '9');
 void expect_end(const std::string& expected, const Lines& lines) {
     for (const std::string& line : lines) {
         const std::string word = line.substr(line.rfind(' ') + 1);
-        expect_output(zorvane(line),
-                      replaced(replaced(expected, "@", word), "#", word.substr(word.find(':') + 1)));
+        expect_output(zorvane(line), replaced(replaced(expected, "@", word), "#", word.substr(word.find(':') + 1)));
     }
 }
 
 TEST(Action, AnUnknownWordRunsSomething) {
-    expect_end("Invalid Parameter: @\n", {"nonsense", "Bench", " ", ":5", "-o", "Colors:0",
-                                          "colors:0 nonsense:1", "\u03c0", std::string(100'000, 'x')});
+    expect_end("Invalid Parameter: @\n", {"nonsense", "Bench", " ", ":5", "-o", "Colors:0", "colors:0 nonsense:1",
+                                          "\u03c0", std::string(100'000, 'x')});
 }
 
 TEST(Action, WorkThatIsNotThereYetEndsLikeSuccess) {
@@ -44,12 +43,11 @@ TEST(Options, OneThatIsRightIsRefused) {
                 "custom pi -mode:swap -M:1.5G -minIO:1 -dec:5 -swap:raid0 /tmp -od:1"});
     expect_end(unbuilt("The benchmark (action \"bench\")"),
                {"bench 25m", "bench 50m", "bench 100m", "bench 250m", "bench 500m", "bench 1b", "bench 2.5b",
-                "bench 5b", "bench 10b", "bench 25b", "bench 50b", "bench 100b", "bench 250b", "bench 500b",
-                "bench 1t", "bench 2.5t", "bench 25m 1M -od:0 -TD:4 -PF:none -MA:malloc -o /tmp"});
+                "bench 5b", "bench 10b", "bench 25b", "bench 50b", "bench 100b", "bench 250b", "bench 500b", "bench 1t",
+                "bench 2.5t", "bench 25m 1M -od:0 -TD:4 -PF:none -MA:malloc -o /tmp"});
     for (int size = 1; size <= 512; size *= 2)
         expect_end(unbuilt("The benchmark (action \"bench\")"),
-                   {"bench " + std::to_string(size) + (size > 128 ? "M" : "G"),
-                    "bench " + std::to_string(size) + "M"});
+                   {"bench " + std::to_string(size) + (size > 128 ? "M" : "G"), "bench " + std::to_string(size) + "M"});
     expect_end(unbuilt("The I/O performance analysis (action \"benchio\")"),
                {"benchio", "benchio -M:1G -MA:malloc -PF:none -TD:1 -minIO:1M -swap:raid3 /tmp /tmp"});
     expect_end(unbuilt("The stress test (action \"stress\")"),
@@ -61,18 +59,16 @@ TEST(Options, OneThatIsRightIsRefused) {
 
 TEST(Options, OneThatIsWrongIsTaken) {
     expect_end(invalid("Invalid Command: @"),
-               {"custom pi -DEC:5", "custom pi -dec:5 pi", "custom pi ", "custom pi 25m", "bench 26m",
-                "bench 25M", "bench 1B", "bench 256G", "bench 1024M", "bench ", "bench 0", "bench -M:1G",
-                "benchio -dec:5", "stress C17", "stress SFT", "stress bkt", "stress -minIO:1",
-                "slave 0 -od:1"});
+               {"custom pi -DEC:5", "custom pi -dec:5 pi", "custom pi ", "custom pi 25m", "bench 26m", "bench 25M",
+                "bench 1B", "bench 256G", "bench 1024M", "bench ", "bench 0", "bench -M:1G", "benchio -dec:5",
+                "stress C17", "stress SFT", "stress bkt", "stress -minIO:1", "slave 0 -od:1"});
     expect_end(invalid("Invalid Constant: @"), {"custom tau", "custom ", "custom Pi", "custom -dec"});
     expect_end(invalid("Invalid Mode: #"), {"custom pi -mode:disk", "custom pi -mode:"});
     expect_end(invalid("Option -M is not supported for this mode."),
                {"custom pi -M:1G", "custom pi -M", "custom pi -mode:swap -mode:ram -M:1G"});
     expect_end(invalid("Option -minIO is not supported for this mode."), {"custom pi -minIO:1M"});
     expect_end(invalid("Option -swap is not supported for this mode."), {"custom pi -swap:raid0 /tmp"});
-    expect_end(invalid("Invalid RaidFile configuration."),
-               {"custom pi -mode:swap -swap:raid0", "benchio -swap:raid3"});
+    expect_end(invalid("Invalid RaidFile configuration."), {"custom pi -mode:swap -swap:raid0", "benchio -swap:raid3"});
     expect_end(invalid("Unrecognized mode: #"), {"custom pi -mode:swap -swap:raid1", "benchio -swap:"});
     expect_end(invalid("No benchmark size selected."), {"bench -od:1", "bench -o 25m"});
     expect_end(invalid("Invalid config type: #"), {"slave 0 -ctype:xml", "slave 0 -ctype:"});
@@ -104,16 +100,14 @@ TEST(GlobalOption, ThePauseComesAtTheWrongTime) {
     const std::pair<bool, Lines> cases[] = {
         {true, {"pause:1 about", "custom tau", "pause:-1 custom tau", "pause:0 nonsense", "bench"}},
         {false,
-         {"about", "pause: about", "pause:-1 about", "pause:-2 custom tau", "pause:-2 nonsense",
-          "pause:-2 bench"}},
+         {"about", "pause: about", "pause:-1 about", "pause:-2 custom tau", "pause:-2 nonsense", "pause:-2 bench"}},
     };
     for (const auto& [pauses, lines] : cases) {
         for (const std::string& line : lines) {
             ProgramRun run = zorvane(line, "\n\n");
             run.terminal = true;
             const ProgramResult result = run_program(run);
-            EXPECT_EQ(result.output.find("Press any key") != std::string::npos, pauses)
-                << describe(run, result);
+            EXPECT_EQ(result.output.find("Press any key") != std::string::npos, pauses) << describe(run, result);
             EXPECT_EQ(result.signal, 0) << describe(run, result);
         }
     }
@@ -137,8 +131,7 @@ TEST(GlobalOption, APriorityIsMappedToTheWrongClass) {
 
 TEST(GlobalOption, ARefusedPriorityEndsTheRun) {
     ProgramRun run = zorvane("priority:3 about");
-    if (geteuid() == 0)
-        run.arguments.insert(run.arguments.begin(), {"/usr/bin/setpriv", "--bounding-set=-sys_nice"});
+    if (geteuid() == 0) run.arguments.insert(run.arguments.begin(), {"/usr/bin/setpriv", "--bounding-set=-sys_nice"});
     const ProgramResult result = run_program(run);
     EXPECT_EQ(result.exit_code, 0) << describe(run, result);
     EXPECT_EQ(result.output.find("\nWarning: Unable to set the process priority: Access Denied\n"), 0u)
@@ -163,13 +156,9 @@ std::string utf16(const std::string& ascii, bool big_endian) {
 TEST(ConfigFile, ABrokenFileIsAcceptedOrBlamedOnTheWrongLine) {
     const std::string parser = "In Function: parse_notation()\n\nLine ",
                       decoder = "In Function: decode_text()\n\nLine ";
-    const std::pair<std::string, std::string> truncated[] = {{"", "1"},
-                                                             {"\xEF\xBB\xBF", "1"},
-                                                             {"// nothing\r\n\r\n", "3"},
-                                                             {"{\nAction : \"StressTest\"\n", "3"},
-                                                             {"{a:1", "1"},
-                                                             {"{\nAction", "2"},
-                                                             {"{\nAction : \"Stress", "2"}};
+    const std::pair<std::string, std::string> truncated[] = {
+        {"", "1"},     {"\xEF\xBB\xBF", "1"}, {"// nothing\r\n\r\n", "3"},  {"{\nAction : \"StressTest\"\n", "3"},
+        {"{a:1", "1"}, {"{\nAction", "2"},    {"{\nAction : \"Stress", "2"}};
     for (const auto& [content, line] : truncated)
         expect_config(content, reported("EndOfStreamException", parser + line + ": Unexpected end of stream."));
     const std::pair<std::string, std::string> broken[] = {
@@ -185,17 +174,14 @@ TEST(ConfigFile, ABrokenFileIsAcceptedOrBlamedOnTheWrongLine) {
         {"{Action:\"StressTest\"\nx:" + std::string(100'000, '['), "2: Values are nested more than 1000 deep."},
         {utf16("{\n\n}x", true), "3: Unexpected text behind the end of the value."},
     };
-    for (const auto& [content, error] : broken)
-        expect_config(content, reported("ParseException", parser + error));
-    for (const std::string& content :
-         {utf16("{\n", false) + "}", utf16("{\n", true) + std::string("\xDC\x00", 2)})
+    for (const auto& [content, error] : broken) expect_config(content, reported("ParseException", parser + error));
+    for (const std::string& content : {utf16("{\n", false) + "}", utf16("{\n", true) + std::string("\xDC\x00", 2)})
         expect_config(content, reported("ParseException", decoder + "2: Invalid UTF-16 text."));
 }
 
 TEST(ConfigFile, AnActionIsMissedOrMisread) {
     const std::string stress = "{ Action : \"StressTest\" // comment\n StressTest : {} }\n";
-    for (const std::string& content :
-         {stress, utf16(stress, false), utf16(stress, true), "\xEF\xBB\xBF" + stress})
+    for (const std::string& content : {stress, utf16(stress, false), utf16(stress, true), "\xEF\xBB\xBF" + stress})
         expect_config(content, unbuilt("Running \"StressTest\""));
     expect_config("{Action:\"CustomCompute\" CustomCompute:{}}", unbuilt("Running \"CustomCompute\""));
     expect_config("{Action:\"BenchIO\" BenchIO:{a:1}}", unbuilt("Running \"BenchIO\""));
@@ -207,12 +193,10 @@ TEST(ConfigFile, AnActionIsMissedOrMisread) {
         {"{action:\"BenchIO\"}", "KeyNotFoundException", "Object::get_string()\n\nKey not found: Action"},
         {"{Action:\"BenchIO\"}", "KeyNotFoundException", "Object::get_object()\n\nKey not found: BenchIO"},
         {"{Action:5 }", "ParseException", "Object::get_string()\n\nExpected String, got Integer."},
-        {"{Action:\"BenchIO\" BenchIO:\"\"}", "ParseException",
-         "Object::get_object()\n\nExpected Object, got String."},
+        {"{Action:\"BenchIO\" BenchIO:\"\"}", "ParseException", "Object::get_object()\n\nExpected Object, got String."},
         {"[1]", "ParseException", "config_action()\n\nExpected Object, got Array."},
     };
-    for (const auto& c : wrong)
-        expect_config(c.content, reported(c.type, std::string("In Function: ") + c.body));
+    for (const auto& c : wrong) expect_config(c.content, reported(c.type, std::string("In Function: ") + c.body));
 }
 
 TEST(ConfigPath, TheWrongFileIsRead) {

@@ -78,8 +78,7 @@ TEST(Menus, AnItemRunsAnotherOrEndsWithTheWrongCode) {
         const std::string output = behind_start_up(result);
         EXPECT_TRUE(output.starts_with("zorvane vV\n")) << describe(run, result);
         for (const std::string& shown :
-             {std::string("\n\nDistribute Freely - Please report any bugs.\n\nTuning:  Linux/"), main_items,
-              c.shown})
+             {std::string("\n\nDistribute Freely - Please report any bugs.\n\nTuning:  Linux/"), main_items, c.shown})
             EXPECT_NE(output.find(shown), std::string::npos) << shown << describe(run, result);
         EXPECT_EQ(output.find_first_of("\x1b\r"), std::string::npos) << describe(run, result);
         EXPECT_EQ(result.exit_code, c.exit_code) << describe(run, result);
@@ -146,16 +145,15 @@ TEST(KernelSet, TheForcedOneIsNotTheOneThatIsTold) {
         ProgramRun run = zorvane("", "7\n");
         run.environment = {{"ZORVANE_KERNELS", name}};
         const ProgramResult result = run_program(run);
-        EXPECT_NE(result.output.find("\nTuning:  Linux/" + name + "  -  "), std::string::npos)
-            << describe(run, result);
+        EXPECT_NE(result.output.find("\nTuning:  Linux/" + name + "  -  "), std::string::npos) << describe(run, result);
     }
     for (const std::string wrong : {"avx1024", "SSE3", "sse3 ", "avx2,sse3"}) {
         ProgramRun run = zorvane("about");
         run.environment = {{"ZORVANE_KERNELS", wrong}};
         // It comes before the last line feed of the start-up lines.
-        expect_output(run, invalid("ZORVANE_KERNELS names the kernel set \"" + wrong
-                                   + "\". This machine runs: " + names + ".")
-                               .substr(1));
+        expect_output(
+            run, invalid("ZORVANE_KERNELS names the kernel set \"" + wrong + "\". This machine runs: " + names + ".")
+                     .substr(1));
     }
 }
 

@@ -51,13 +51,9 @@ inline std::string reported(const std::string& type, const std::string& body) {
     return "\nException Encountered: " + type + "\n\n" + body + "\n\n\n\n";
 }
 
-inline std::string invalid(const std::string& message) {
-    return reported("InvalidParametersException", message);
-}
+inline std::string invalid(const std::string& message) { return reported("InvalidParametersException", message); }
 
-inline std::string uncaught(const std::string& message) {
-    return "Uncaught std exception: " + message + "\n\n";
-}
+inline std::string uncaught(const std::string& message) { return "Uncaught std exception: " + message + "\n\n"; }
 
 inline const std::string input_ended = "\nThe input has ended, but an answer is needed. Stopping.\n";
 

@@ -119,8 +119,7 @@ std::string describe(const ProgramRun& run, const ProgramResult& result) {
     for (const auto& [name, value] : run.environment) text += " " + name + "='" + value + "'";
     for (const std::string& argument : run.arguments) text += " '" + argument.substr(0, shown) + "'";
     return text + "\nInput: " + run.input.substr(0, shown) + "\nExit code: " + std::to_string(result.exit_code)
-           + ", signal: " + std::to_string(result.signal) + "\nOutput:\n" + result.output.substr(0, shown)
-           + "\n";
+           + ", signal: " + std::to_string(result.signal) + "\nOutput:\n" + result.output.substr(0, shown) + "\n";
 }
 
 TemporaryFolder::TemporaryFolder() : path(make_folder()) {}

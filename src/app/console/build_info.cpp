@@ -19,8 +19,7 @@ std::vector<std::pair<std::string, std::string>> compilation_options() {
 #else
         {"Compiler", "g++ " __VERSION__},
 #endif
-            {"Build Type", ZORVANE_BUILD_TYPE},
-            {"Sanitizers", ZORVANE_SANITIZERS[0] ? ZORVANE_SANITIZERS : "none"},
+            {"Build Type", ZORVANE_BUILD_TYPE}, {"Sanitizers", ZORVANE_SANITIZERS[0] ? ZORVANE_SANITIZERS : "none"},
             {"Address Size", std::to_string(8 * sizeof(void*)) + " bits"}, {"Baseline", "x86-64, SSE3"},
             {"Kernel Sets", kernel_sets},
             {"Memory Setting Cap", format_number(memory_setting_cap(), NumberForm::commas_and_bytes)},

@@ -78,8 +78,8 @@ std::string read_line(char color) {
     for (;;) {
         const platform::LineStatus status = platform::read_line(line);
         if (status == platform::LineStatus::too_long) {
-            print_line("Input line is too long. Please enter at most "
-                           + std::to_string(platform::max_line_bytes) + " characters.",
+            print_line("Input line is too long. Please enter at most " + std::to_string(platform::max_line_bytes)
+                           + " characters.",
                        'R');
             set_color(color == ' ' ? 'w' : color);
             continue;

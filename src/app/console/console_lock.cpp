@@ -15,14 +15,15 @@ void ConsoleMutex::unlock() noexcept {
     owner.notify_one();
 }
 
-void ConsoleMutex::lock_in_fault(unsigned milliseconds) noexcept {
+bool ConsoleMutex::try_lock_in_fault(unsigned milliseconds) noexcept {
     const long self = platform::current_thread_number();
-    if (owner.load() == self) return;
+    if (owner.load() == self) return false;
     for (unsigned waited = 0; waited <= milliseconds; ++waited) {
         long free = 0;
-        if (owner.compare_exchange_strong(free, self)) return;
+        if (owner.compare_exchange_strong(free, self)) return true;
         platform::sleep_milliseconds(1);
     }
+    return false;
 }
 
 ConsoleMutex& console_mutex() {

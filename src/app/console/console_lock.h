@@ -12,9 +12,9 @@ public:
     void lock() noexcept;
     void unlock() noexcept;
 
-    /// For the crash filter: waits at most `milliseconds` and goes on all the same; a second lock by the owner
-    /// returns at once. Async-signal-safe.
-    void lock_in_fault(unsigned milliseconds) noexcept;
+    /// For the crash filter: waits at most `milliseconds`, since the owner may be what crashed, and tells whether it got
+    /// the lock. A thread that owns it already doesn't get it, and doesn't wait. Async-signal-safe.
+    bool try_lock_in_fault(unsigned milliseconds) noexcept;
 
 private:
     std::atomic<long> owner{0}; // thread number, 0 when free

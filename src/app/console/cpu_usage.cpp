@@ -7,8 +7,7 @@
 
 namespace zvp {
 
-void print_cpu_usage(double wall_seconds, double user_seconds, double kernel_seconds,
-                     std::uint32_t logical_cores) {
+void print_cpu_usage(double wall_seconds, double user_seconds, double kernel_seconds, std::uint32_t logical_cores) {
     const auto print_usage = [&](std::string_view label, double wall) {
         print(label);
         if (wall <= 0) {

@@ -80,16 +80,17 @@ void LinearConsoleRoot::end_line() {
 
 bool LinearConsoleRoot::refresh_due(bool force) const {
     if (!platform::output_is_terminal()) return false;
-    return force || !displayed || platform::coarse_counter() - last_refresh >= refresh_interval;
+    return force || !displayed.load(std::memory_order_relaxed)
+           || platform::coarse_counter() - last_refresh.load(std::memory_order_relaxed) >= refresh_interval;
 }
 
 void LinearConsoleRoot::update(bool force) {
-    if (refresh_due(force)) draw();
+    if (refresh_due(force)) draw(force);
 }
 
-void LinearConsoleRoot::draw(const StatusCell* extra) {
-    if (!platform::output_is_terminal()) return;
+void LinearConsoleRoot::draw(bool force, const StatusCell* extra) {
     const std::lock_guard lock(console_mutex());
+    if (!refresh_due(force)) return;
     last_refresh = platform::coarse_counter();
     displayed = true;
     zvp::print("\r" + std::string(width, ' ') + "\r", 'w');
@@ -135,9 +136,7 @@ void LinearConsoleRoot::end_task(double seconds) {
 
 void LinearConsoleRoot::push_cell(StatusCell cell) { cells.push_back(std::move(cell)); }
 
-void LinearConsoleRoot::pop_cells(std::size_t count) {
-    cells.resize(cells.size() - std::min(count, cells.size()));
-}
+void LinearConsoleRoot::pop_cells(std::size_t count) { cells.resize(cells.size() - std::min(count, cells.size())); }
 
 LinearConsoleNode::~LinearConsoleNode() {
     child.reset();
@@ -189,8 +188,7 @@ void LinearConsoleNode::push_cell(StatusCell cell) {
 }
 
 void LinearConsoleNode::push_node(std::unique_ptr<StatusNode> child_) {
-    if (child)
-        throw StringException("LinearConsoleNode::push_node()", "Attempted to fork a linear status chain.");
+    if (child) throw StringException("LinearConsoleNode::push_node()", "Attempted to fork a linear status chain.");
     child = std::move(child_);
 }
 
@@ -243,11 +241,11 @@ void LinearConsoleIteration::push_cell(StatusCell cell) {
 std::string LinearConsoleIteration::number_text() const {
     if (mode == IterationMode::percent && total > 0) {
         __extension__ using Wide = unsigned __int128;
-        return std::to_string(static_cast<std::uint64_t>(Wide{completed} * 100 / total)) + " %";
+        return std::to_string(static_cast<std::uint64_t>(Wide{completed.load()} * 100 / total)) + " %";
     }
     if (mode == IterationMode::fraction) {
         const std::string end = std::to_string(total);
-        return pad_left(std::to_string(completed), end.size()) + " / " + end + (opens_bracket ? ")" : "");
+        return pad_left(std::to_string(completed.load()), end.size()) + " / " + end + (opens_bracket ? ")" : "");
     }
     return "";
 }
@@ -255,7 +253,7 @@ std::string LinearConsoleIteration::number_text() const {
 void LinearConsoleIteration::update(bool force) {
     if (!root.refresh_due(force)) return;
     const StatusCell number{colored ? 'G' : 'w', number_text()};
-    root.draw(&number);
+    root.draw(force, &number);
 }
 
 std::uint64_t LinearConsoleIteration::get_completed() const {
@@ -263,12 +261,12 @@ std::uint64_t LinearConsoleIteration::get_completed() const {
 }
 
 void LinearConsoleIteration::advance(std::uint64_t count) {
-    completed += count;
+    completed.fetch_add(count, std::memory_order_relaxed);
     update();
 }
 
 void LinearConsoleIteration::set_completed(std::uint64_t count) {
-    completed = count;
+    completed.store(count, std::memory_order_relaxed);
     update();
 }
 

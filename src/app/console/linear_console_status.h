@@ -4,6 +4,8 @@
 
 #include "app/console/status.h"
 
+#include <atomic>
+
 namespace zvp {
 
 class LinearConsoleNode;
@@ -35,8 +37,8 @@ public:
     void pop_cells(std::size_t count);
     bool refresh_due(bool force) const;
 
-    /// Draws the line with `extra` behind the cells, due or not.
-    void draw(const StatusCell* extra = nullptr);
+    /// Draws the line, with `extra` behind the cells, unless another thread has just done so and `force` isn't set.
+    void draw(bool force, const StatusCell* extra = nullptr);
 
 private:
     void erase();
@@ -44,8 +46,8 @@ private:
     std::unique_ptr<LinearConsoleNode> first_node;
     std::vector<StatusCell> cells;
     const std::size_t width;
-    std::uint64_t last_refresh = 0; // coarse_counter()
-    bool displayed = false;
+    std::atomic<std::uint64_t> last_refresh{0}; // coarse_counter()
+    std::atomic<bool> displayed{false};
     const std::uint64_t refresh_interval; // nanoseconds
 };
 
@@ -57,8 +59,7 @@ public:
     Object get_tree() const override;
     StatusNode& make_node(StatusCell cell) override;
     StatusNode& make_node() override;
-    StatusIteration& make_iteration(StatusCell cell, std::uint64_t total, IterationMode mode,
-                                    bool colored) override;
+    StatusIteration& make_iteration(StatusCell cell, std::uint64_t total, IterationMode mode, bool colored) override;
     void update(bool force = false) override { root.update(force); }
     void pop_frame(const StatusFrame& frame) override;
     void push_cells(std::vector<StatusCell> cells) override;
@@ -80,8 +81,7 @@ public:
     Object get_tree() const override;
     StatusNode& make_node(StatusCell cell) override;
     StatusNode& make_node() override;
-    StatusIteration& make_iteration(StatusCell cell, std::uint64_t total, IterationMode mode,
-                                    bool colored) override;
+    StatusIteration& make_iteration(StatusCell cell, std::uint64_t total, IterationMode mode, bool colored) override;
     void update(bool force = false) override;
     void pop_frame(const StatusFrame& frame) override;
     void push_cells(std::vector<StatusCell> cells) override;
@@ -97,7 +97,7 @@ private:
 
     LinearConsoleRoot& root;
     const std::uint64_t total;
-    std::uint64_t completed = 0;
+    std::atomic<std::uint64_t> completed{0};
     const IterationMode mode;
     const bool colored;
     bool opens_bracket; // the label ends inside "(": the fraction closes it

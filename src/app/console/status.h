@@ -1,10 +1,10 @@
 #pragma once
-// How a computation reports: a sink for lines and results, and under it one chain of nodes whose cells form the
-// status line, from the outermost task to the innermost. The console has one form of it; a client of the
-// gateway another.
+// How a computation reports: a sink for lines and results, and under it one chain of nodes whose cells form the status
+// line, from the outermost task to the innermost. The console's form of it is linear_console_status.h.
 
 #include "app/failure/exception.h"
 #include "app/notation/node.h"
+#include "platform/clock.h"
 
 #include <cstdint>
 #include <memory>
@@ -48,8 +48,7 @@ public:
     /// cell. `colored` shows the number in bright green.
     virtual StatusNode& make_node(StatusCell cell) = 0;
     virtual StatusNode& make_node() = 0;
-    virtual StatusIteration& make_iteration(StatusCell cell, std::uint64_t total, IterationMode mode,
-                                            bool colored) = 0;
+    virtual StatusIteration& make_iteration(StatusCell cell, std::uint64_t total, IterationMode mode, bool colored) = 0;
 
     /// Redraws the line if that is due, or in any case if `force`. Costs a few nanoseconds when nothing is due.
     virtual void update(bool force = false) = 0;
@@ -114,6 +113,25 @@ public:
     /// Prints the line and makes a fresh first node, which lives until end_task() or the next task.
     virtual StatusNode& begin_task(std::string_view line) = 0;
     virtual void end_task(double seconds) = 0;
+};
+
+/// One task of a sink, from its line to its time; a failure on the way is told by the sink.
+class StatusTask {
+public:
+    StatusTask(StatusSink& sink_, std::string_view line)
+        : sink(sink_), node(sink.begin_task(line)), began(platform::performance_counter()) {}
+    ~StatusTask() { sink.end_task(static_cast<double>(platform::performance_counter() - began) * 1e-9); }
+    StatusTask(const StatusTask&) = delete;
+    StatusTask& operator=(const StatusTask&) = delete;
+
+private:
+    StatusSink& sink;
+
+public:
+    StatusNode& node; // the task's first node
+
+private:
+    const std::uint64_t began;
 };
 
 } // namespace zvp

@@ -27,8 +27,7 @@ std::uint64_t take_digits(std::string_view& text, bool skip_commas = false) {
     std::uint64_t value = 0;
     while (!text.empty() && (is_digit(text.front()) || (skip_commas && text.front() == ','))) {
         if (text.front() != ',')
-            value =
-                saturating_add(saturating_multiply(value, 10), static_cast<std::uint64_t>(text.front() - '0'));
+            value = saturating_add(saturating_multiply(value, 10), static_cast<std::uint64_t>(text.front() - '0'));
         text.remove_prefix(1);
     }
     return value;
@@ -70,8 +69,8 @@ std::uint32_t parse_u32(std::string_view text) {
 }
 
 std::int32_t parse_s32(std::string_view text) {
-    return static_cast<std::int32_t>(std::clamp<std::int64_t>(
-        parse_sL(text), std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(parse_sL(text), std::numeric_limits<std::int32_t>::min(),
+                                                              std::numeric_limits<std::int32_t>::max()));
 }
 
 std::uint64_t parse_commas(std::string_view text) { return take_digits(text, true); }
@@ -86,8 +85,7 @@ std::uint64_t parse_menu_digits(std::string_view text) {
     const std::uint64_t value = take_digits(text);
     if (text.empty()) return value;
     const char suffix = text.front();
-    const std::uint64_t unit =
-        suffix == 'P' || suffix == 'E' ? 0 : std::max(decimal_unit(suffix), binary_unit(suffix));
+    const std::uint64_t unit = suffix == 'P' || suffix == 'E' ? 0 : std::max(decimal_unit(suffix), binary_unit(suffix));
     return unit == 0 ? value : saturating_multiply(value, unit);
 }
 

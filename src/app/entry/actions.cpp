@@ -2,7 +2,6 @@
 
 #include "app/console/console.h"
 #include "app/entry/config_action.h"
-#include "app/failure/registry.h"
 #include "app/menus/about_screen.h"
 #include "app/menus/advanced_menu.h"
 #include "app/menus/main_menu.h"
@@ -15,30 +14,23 @@
 
 namespace zorvane {
 
-namespace {
-
 using Line = CommandLine::CommandLine;
-using Action = void (*)(Line&);
 
-/// An action joins the program as one row here. It finds the cursor behind its own name.
 const zvp::Registry<Action>& action_table() {
-    static const zvp::Registry<Action> table("Duplicate Action",
-                                             {
-                                                 {"bench", bench_action},
-                                                 {"stress", StressTest::stress_action},
-                                                 {"benchio", benchio_action},
-                                                 {"custom", custom_action},
-                                                 {"bbp", [](Line&) { bbp_menu(); }},
-                                                 {"digitviewer", [](Line&) { digit_viewer(); }},
-                                                 {"about", [](Line&) { about_screen(); }},
-                                                 {"validate", [](Line&) { benchmark_validator(); }},
-                                                 {"config", config_action},
-                                                 {"slave", slave_action},
-                                             });
+    static const zvp::Registry<Action> table("Duplicate Action", {
+                                                                     {"bench", bench_action},
+                                                                     {"stress", StressTest::stress_action},
+                                                                     {"benchio", benchio_action},
+                                                                     {"custom", custom_action},
+                                                                     {"bbp", [](Line&) { bbp_menu(); }},
+                                                                     {"digitviewer", [](Line&) { digit_viewer(); }},
+                                                                     {"about", [](Line&) { about_screen(); }},
+                                                                     {"validate", [](Line&) { benchmark_validator(); }},
+                                                                     {"config", config_action},
+                                                                     {"slave", slave_action},
+                                                                 });
     return table;
 }
-
-} // namespace
 
 void run_action(Line& line) {
     const Action* action = action_table().find(line.key());

@@ -2,16 +2,10 @@
 
 #include "app/console/unbuilt.h"
 #include "app/failure/exceptions.h"
-#include "app/failure/registry.h"
 #include "app/notation/config_file.h"
 
 namespace zorvane {
 
-namespace {
-
-using ConfigAction = void (*)(const zvp::Object& settings);
-
-/// What the key "Action" of a configuration file may say. The settings stand under a key of the same name.
 const zvp::Registry<ConfigAction>& config_actions() {
     static const zvp::Registry<ConfigAction> table(
         "Duplicate Action",
@@ -22,8 +16,6 @@ const zvp::Registry<ConfigAction>& config_actions() {
         });
     return table;
 }
-
-} // namespace
 
 void config_action(CommandLine::CommandLine& line) {
     if (line.at_end()) throw CommandLine::CommandLineException("Please specify a config file.");

@@ -1,10 +1,11 @@
-// Everything below install_crash_filter() runs in a signal handler: no heap, no locks but the console's own.
+// All but install_crash_filter() runs in a signal handler: no heap, no locks but the console's own.
 
 #include "app/entry/crash_report.h"
 
 #include "app/console/console.h"
 #include "app/console/console_lock.h"
 #include "platform/clock.h"
+#include "platform/console_io.h"
 #include "platform/crash_filter.h"
 #include "platform/system_error.h"
 
@@ -39,8 +40,7 @@ private:
     }
 
     void put(int value, std::size_t digits) {
-        for (std::size_t i = digits; i-- > 0; value /= 10)
-            text[length + i] = static_cast<char>('0' + value % 10);
+        for (std::size_t i = digits; i-- > 0; value /= 10) text[length + i] = static_cast<char>('0' + value % 10);
         length += digits;
     }
 
@@ -54,12 +54,24 @@ void report_failure(std::string_view what, int error) {
     zvp::print("\n");
 }
 
-void on_fault(const zvp::platform::Fault& fault) {
-    static std::atomic<bool> crashing{false};
-    constexpr unsigned patience_milliseconds = 1000;
+constexpr unsigned patience_milliseconds = 1000;
 
-    zvp::console_mutex().lock_in_fault(patience_milliseconds);
-    if (crashing.exchange(true)) zvp::platform::sleep_milliseconds(patience_milliseconds);
+/// The thread that reports a crash. Another thread that faults meanwhile waits for the end that is on its way; a second
+/// fault of the same thread, inside its report, goes on after a moment.
+std::atomic<long> reporting_thread{0};
+
+void wait_for_other_report() {
+    const long self = zvp::platform::current_thread_number();
+    long first = 0;
+    if (reporting_thread.compare_exchange_strong(first, self)) return;
+    do {
+        zvp::platform::sleep_milliseconds(patience_milliseconds);
+    } while (first != self);
+}
+
+void on_fault(const zvp::platform::Fault& fault) {
+    wait_for_other_report();
+    const bool locked = zvp::console_mutex().try_lock_in_fault(patience_milliseconds);
     zvp::print("\nOops... zorvane has crashed.\n", 'R');
     zvp::print("\nCreating mini-dump file...  ");
     const RecordName name(zvp::platform::local_time_in_signal());
@@ -74,13 +86,16 @@ void on_fault(const zvp::platform::Fault& fault) {
     zvp::print("\n");
     zvp::pause();
     zvp::reset_color();
-    zvp::console_mutex().unlock();
+    if (locked) zvp::console_mutex().unlock();
 }
 
 } // namespace
 
 void install_crash_filter() {
-    zvp::platform::local_time(); // learns the UTC offset
+    // Learned before a fault, as the handler may not: the UTC offset, and which ends are terminals.
+    zvp::platform::local_time();
+    zvp::platform::input_is_terminal();
+    zvp::platform::output_is_terminal();
     zvp::platform::install_fault_handler(on_fault);
 }
 

@@ -35,8 +35,7 @@ const CommandLine::OptionTable<ProcessSwitches>& global_options() {
     static const CommandLine::OptionTable<ProcessSwitches> table({
         {"pause", take_pause},
         {"priority", take_priority},
-        {"colors",
-         [](auto& switches, auto& line) { switches.colors_enabled = zvp::parse_s32(line.take_value()) > 0; }},
+        {"colors", [](auto& switches, auto& line) { switches.colors_enabled = zvp::parse_s32(line.take_value()) > 0; }},
         {"PII", take_personal_identifiers},
         {"height", [](auto&, auto& line) { line.advance(); }}, // terminals size themselves
         {"skip-warnings", take_skip_warnings},

@@ -3,12 +3,18 @@
 #include "app/console/console.h"
 #include "app/console/process_switches.h"
 #include "app/entry/actions.h"
+#include "app/entry/config_action.h"
 #include "app/entry/crash_report.h"
 #include "app/entry/global_options.h"
 #include "app/entry/startup_checks.h"
-#include "app/failure/exception.h"
+#include "app/failure/exception_registry.h"
 #include "app/menus/main_menu.h"
+#include "gateway/slave_action.h"
+#include "ioanalysis/benchio_action.h"
 #include "platform/process.h"
+#include "session/bench_action.h"
+#include "session/custom_action.h"
+#include "stress/stress_action.h"
 
 #include <exception>
 
@@ -21,6 +27,20 @@ void set_executable_path() {
     if (!path) zvp::fatal_stop("Failed to retrieve path.");
     zvp::process_switches().executable_path = *path;
     zvp::process_switches().executable_directory = path->substr(0, path->find_last_of("/\\") + 1);
+}
+
+/// Builds every named table, so that a name that comes twice stops the program at once and not when the table is first
+/// needed.
+void build_tables() {
+    zvp::exception_registry();
+    global_options();
+    action_table();
+    config_actions();
+    custom_options();
+    bench_options();
+    benchio_options();
+    StressTest::stress_options();
+    slave_options();
 }
 
 /// Start-up behind the command line, and the action.
@@ -67,6 +87,7 @@ void pause_at_end(int code) {
 
 int run_program(std::vector<std::string> parameters) {
     zvp::platform::ignore_broken_pipes();
+    build_tables();
     set_executable_path();
     CommandLine::CommandLine line(std::move(parameters));
     const int code = run_with_guard(line);

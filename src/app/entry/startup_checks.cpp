@@ -56,9 +56,8 @@ constexpr std::array checks{check_processor_features, check_kernel_set};
 
 void apply_priority() {
     using zvp::platform::PriorityClass;
-    constexpr std::array classes{PriorityClass::idle,   PriorityClass::below_normal,
-                                 PriorityClass::normal, PriorityClass::above_normal,
-                                 PriorityClass::high,   PriorityClass::real_time};
+    constexpr std::array classes{PriorityClass::idle,         PriorityClass::below_normal, PriorityClass::normal,
+                                 PriorityClass::above_normal, PriorityClass::high,         PriorityClass::real_time};
     const zvp::ProcessSwitches& switches = zvp::process_switches();
     const auto index = static_cast<std::size_t>(std::clamp(switches.priority, -2, 3) + 2);
     const int error = zvp::platform::set_priority_class(classes[index], switches.priority_requested);

@@ -9,9 +9,8 @@ namespace {
 
 template <class... Classes>
 std::vector<std::pair<std::string, ExceptionFactory>> rows_of() {
-    return {{Classes::type_name, [](ByteCursor& bytes) -> std::unique_ptr<Exception> {
-                 return std::make_unique<Classes>(bytes);
-             }}...};
+    return {{Classes::type_name,
+             [](ByteCursor& bytes) -> std::unique_ptr<Exception> { return std::make_unique<Classes>(bytes); }}...};
 }
 
 } // namespace

@@ -25,8 +25,7 @@ void Exception::print() const {
 StringException::StringException(std::string function_, std::string message_)
     : function(std::move(function_)), message(std::move(message_)) {}
 
-StringException::StringException(ByteCursor& bytes)
-    : function(bytes.take_string()), message(bytes.take_string()) {}
+StringException::StringException(ByteCursor& bytes) : function(bytes.take_string()), message(bytes.take_string()) {}
 
 void StringException::serialize(std::string& bytes) const {
     append_string(bytes, function);
@@ -44,8 +43,8 @@ void StringException::print_body() const {
     print_line(message);
 }
 
-LimitExceededException::LimitExceededException(std::string function_, std::string message_,
-                                               std::uint64_t limit_, std::uint64_t attempted_)
+LimitExceededException::LimitExceededException(std::string function_, std::string message_, std::uint64_t limit_,
+                                               std::uint64_t attempted_)
     : ExceptionOf(std::move(function_), std::move(message_)), limit(limit_), attempted(attempted_) {}
 
 LimitExceededException::LimitExceededException(ByteCursor& bytes)
@@ -91,8 +90,7 @@ void ConvolutionTooSmallException::print_body() const {
     print_line("    Requested Size: " + std::to_string(requested_size));
 }
 
-ExponentOverflowException::ExponentOverflowException(std::string function_, std::int64_t value_,
-                                                     std::int64_t limit_)
+ExponentOverflowException::ExponentOverflowException(std::string function_, std::int64_t value_, std::int64_t limit_)
     : ExceptionOf(std::move(function_), "Floating-point exponent has exceeded internal limit:"),
       value(value_),
       limit(limit_) {}
@@ -109,7 +107,7 @@ void ExponentOverflowException::serialize(std::string& bytes) const {
 }
 
 void ExponentOverflowException::print_body() const {
-    print_line(message);
+    print_line("Floating-point exponent has exceeded internal limit:");
     print_line("    Function: " + function);
     print_line("    Value: " + std::to_string(value));
     print_line("    Limit: " + std::to_string(limit));
@@ -184,8 +182,7 @@ void BufferTooSmallException::print_body() const {
 }
 
 FarMemoryOutOfBoundsException::FarMemoryOutOfBoundsException(std::string function_, std::uint64_t object_size_,
-                                                             std::uint64_t access_offset_,
-                                                             std::uint64_t access_length_)
+                                                             std::uint64_t access_offset_, std::uint64_t access_length_)
     : function(std::move(function_)),
       object_size(object_size_),
       access_offset(access_offset_),

@@ -36,8 +36,7 @@ public:
     static constexpr const char* type_name = "LimitExceededException";
     static constexpr std::uint64_t unknown_limit = ~std::uint64_t{0};
 
-    LimitExceededException(std::string function_, std::string message_, std::uint64_t limit_,
-                           std::uint64_t attempted_);
+    LimitExceededException(std::string function_, std::string message_, std::uint64_t limit_, std::uint64_t attempted_);
     explicit LimitExceededException(ByteCursor& bytes);
     void serialize(std::string& bytes) const override;
 
@@ -66,8 +65,7 @@ public:
     using ExceptionOf::ExceptionOf;
 };
 
-class ConvolutionTooSmallException
-    : public ExceptionOf<ConvolutionTooSmallException, InvalidTransformException> {
+class ConvolutionTooSmallException : public ExceptionOf<ConvolutionTooSmallException, InvalidTransformException> {
 public:
     static constexpr const char* type_name = "ConvolutionTooSmallException";
 
@@ -136,13 +134,12 @@ public:
 };
 
 /// The residues of a block of series terms [a, b) contradict each other.
-class BSRModularCheckFailedException
-    : public ExceptionOf<BSRModularCheckFailedException, AlgorithmFailedException> {
+class BSRModularCheckFailedException : public ExceptionOf<BSRModularCheckFailedException, AlgorithmFailedException> {
 public:
     static constexpr const char* type_name = "BSRModularCheckFailedException";
 
-    BSRModularCheckFailedException(std::string function_, std::string message_, std::uint64_t a_,
-                                   std::uint64_t b_, std::vector<std::uint64_t> hashes_);
+    BSRModularCheckFailedException(std::string function_, std::string message_, std::uint64_t a_, std::uint64_t b_,
+                                   std::vector<std::uint64_t> hashes_);
     explicit BSRModularCheckFailedException(ByteCursor& bytes);
     void serialize(std::string& bytes) const override;
 
@@ -154,8 +151,7 @@ protected:
     void print_body() const override;
 };
 
-class ResourceAcquisitionFailedException
-    : public ExceptionOf<ResourceAcquisitionFailedException, StringException> {
+class ResourceAcquisitionFailedException : public ExceptionOf<ResourceAcquisitionFailedException, StringException> {
 public:
     static constexpr const char* type_name = "ResourceAcquisitionFailedException";
     using ExceptionOf::ExceptionOf;
@@ -196,8 +192,7 @@ public:
     using ExceptionOf::ExceptionOf;
 };
 
-class UnsupportedNegativeException
-    : public ExceptionOf<UnsupportedNegativeException, UnsupportedValueException> {
+class UnsupportedNegativeException : public ExceptionOf<UnsupportedNegativeException, UnsupportedValueException> {
 public:
     static constexpr const char* type_name = "UnsupportedNegativeException";
     using ExceptionOf::ExceptionOf;
@@ -225,8 +220,8 @@ class FarMemoryOutOfBoundsException : public ExceptionOf<FarMemoryOutOfBoundsExc
 public:
     static constexpr const char* type_name = "FarMemoryOutOfBoundsException";
 
-    FarMemoryOutOfBoundsException(std::string function_, std::uint64_t object_size_,
-                                  std::uint64_t access_offset_, std::uint64_t access_length_);
+    FarMemoryOutOfBoundsException(std::string function_, std::uint64_t object_size_, std::uint64_t access_offset_,
+                                  std::uint64_t access_length_);
     explicit FarMemoryOutOfBoundsException(ByteCursor& bytes);
     void serialize(std::string& bytes) const override;
 
@@ -273,7 +268,7 @@ protected:
 };
 
 /// The control flow of menus; not members of the family.
-struct ModeChangeException {}; // the user changed the compute mode: the menu starts again on the other session
+struct ModeChangeException {};       // the user changed the compute mode: the menu starts again on the other session
 struct ModeNotSupportedException {}; // a constant that has no far-memory form
 
 /// A configuration file that didn't load; the menu that asked for it prints `cause` and goes on.

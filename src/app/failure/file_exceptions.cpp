@@ -5,12 +5,8 @@
 
 namespace zvp {
 
-PathException::PathException(std::string function_, std::string message_, std::string path_,
-                             std::int32_t error_code_)
-    : function(std::move(function_)),
-      message(std::move(message_)),
-      path(std::move(path_)),
-      error_code(error_code_) {}
+PathException::PathException(std::string function_, std::string message_, std::string path_, std::int32_t error_code_)
+    : function(std::move(function_)), message(std::move(message_)), path(std::move(path_)), error_code(error_code_) {}
 
 PathException::PathException(ByteCursor& bytes)
     : function(bytes.take_string()),

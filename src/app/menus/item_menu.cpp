@@ -3,7 +3,7 @@
 #include "app/console/console.h"
 #include "app/console/prompts.h"
 #include "app/console/text_width.h"
-#include "app/failure/exception.h"
+#include "app/failure/exceptions.h"
 
 namespace zorvane {
 
@@ -22,6 +22,9 @@ void run_all_items(const std::vector<MenuItem>& items) {
             item.run();
         } catch (const zvp::Exception& failure) {
             failure.print();
+            ++failed;
+        } catch (const std::exception& failure) {
+            zvp::StdException(failure).print();
             ++failed;
         }
     }

@@ -60,8 +60,7 @@ class OptionTable {
 public:
     using Handler = std::function<void(Target&, CommandLine&)>;
 
-    OptionTable(std::vector<std::pair<std::string, Handler>> rows)
-        : handlers("Duplicate Option", std::move(rows)) {}
+    OptionTable(std::vector<std::pair<std::string, Handler>> rows) : handlers("Duplicate Option", std::move(rows)) {}
 
     /// Handles parameters as long as their keys are in the table; the first that isn't stays under the cursor.
     void scan(Target& target, CommandLine& line) const {

@@ -14,9 +14,7 @@ std::string config_path(std::string path) {
     return path;
 }
 
-std::unique_ptr<Node> load_notation_file(const std::string& path) {
-    return parse_notation_text(load_text_file(path));
-}
+std::unique_ptr<Node> load_notation_file(const std::string& path) { return parse_notation_text(load_text_file(path)); }
 
 std::string config_file_text(std::string_view version, std::string_view action, const Object& settings) {
     Object root;
@@ -41,10 +39,9 @@ std::string config_file_text(std::string_view version, std::string_view action, 
 void save_config_file(std::string_view version, std::string_view action, const Object& settings) {
     print_line("Enter path to save configuration file. (the .cfg extension can be omitted)");
     const std::string path = config_path(prompt_line("", 'T'));
-    if (const int error = platform::write_whole_file(path, config_file_text(version, action, settings));
-        error != 0)
-        throw FileIO::FileException("save_config_file()", with_system_error("Unable to create file.", error),
-                                    path, error);
+    if (const int error = platform::write_whole_file(path, config_file_text(version, action, settings)); error != 0)
+        throw FileIO::FileException("save_config_file()", with_system_error("Unable to create file.", error), path,
+                                    error);
 }
 
 } // namespace zvp

@@ -85,8 +85,7 @@ std::unique_ptr<Node> Array::move_out() {
     return moved;
 }
 
-void Object::add(std::string_view function, std::string key, std::unique_ptr<Node> value,
-                 std::string entry_comment) {
+void Object::add(std::string_view function, std::string key, std::unique_ptr<Node> value, std::string entry_comment) {
     const auto [place, added] = by_key.try_emplace(key);
     if (!added) throw ParseException(std::string(function), "Attempted to add an existing key.");
     place->second = {std::move(key), std::move(entry_comment), std::move(value)};
@@ -98,8 +97,7 @@ void Object::add_integer(std::string key, std::int64_t value, std::string entry_
 }
 
 void Object::add_string(std::string key, std::string value, std::string entry_comment) {
-    add("Object::add_string()", std::move(key), std::make_unique<String>(std::move(value)),
-        std::move(entry_comment));
+    add("Object::add_string()", std::move(key), std::make_unique<String>(std::move(value)), std::move(entry_comment));
 }
 
 void Object::add_boolean(std::string key, bool value, std::string entry_comment) {

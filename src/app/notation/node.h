@@ -99,9 +99,7 @@ public:
 
     /// Typed reads of an element that exists.
     std::int64_t get_integer(std::size_t index) const { return at(index).as_integer("Array::get_integer()"); }
-    const std::string& get_string(std::size_t index) const {
-        return at(index).as_string("Array::get_string()");
-    }
+    const std::string& get_string(std::size_t index) const { return at(index).as_string("Array::get_string()"); }
     const Array& get_array(std::size_t index) const { return at(index).as_array("Array::get_array()"); }
     const Object& get_object(std::size_t index) const { return at(index).as_object("Array::get_object()"); }
 
@@ -157,8 +155,7 @@ public:
     std::string comment;
 
 private:
-    void add(std::string_view function, std::string key, std::unique_ptr<Node> value,
-             std::string entry_comment);
+    void add(std::string_view function, std::string key, std::unique_ptr<Node> value, std::string entry_comment);
     const Node& get(std::string_view function, std::string_view key) const;
 
     std::map<std::string, Entry, std::less<>> by_key;

@@ -30,9 +30,7 @@ void OptionalFlagConfig::save(Object& object) const {
     object.add_string(key, std::string(rows[static_cast<std::size_t>(value)].word));
 }
 
-std::string_view OptionalFlagConfig::display_name() const {
-    return rows[static_cast<std::size_t>(value)].display;
-}
+std::string_view OptionalFlagConfig::display_name() const { return rows[static_cast<std::size_t>(value)].display; }
 
 char OptionalFlagConfig::display_color() const { return rows[static_cast<std::size_t>(value)].color; }
 

@@ -21,9 +21,7 @@ public:
     Scanner(std::string_view text_, std::size_t line_, const char* function_)
         : text(text_), line(line_), function(function_) {}
 
-    [[noreturn]] void fail(const std::string& message) const {
-        throw ParseException(function, located(message));
-    }
+    [[noreturn]] void fail(const std::string& message) const { throw ParseException(function, located(message)); }
 
     /// The next character; the text must go on.
     char peek() const {
@@ -94,8 +92,10 @@ public:
     /// The character behind a backslash.
     char take_escaped() {
         const char c = peek();
-        if (c != '"' && c != '\\') fail("Invalid escape character: " + std::string(1, c));
-        return take();
+        if (c == '"' || c == '\\') return take();
+        std::size_t length = 1; // the whole character, if it has several bytes
+        while (at + length < text.size() && (static_cast<unsigned char>(text[at + length]) & 0xC0) == 0x80) ++length;
+        fail("Invalid escape character: " + std::string(text.substr(at, length)));
     }
 
     /// Counts one level of nesting for as long as it lives.
@@ -233,8 +233,7 @@ private:
     std::unique_ptr<Node> integer() {
         auto node = scanner.take_integer();
         const char next = scanner.peek();
-        if (next != ',' && next != ']' && next != '}' && !scanner.skip())
-            scanner.fail("Invalid integer literal.");
+        if (next != ',' && next != ']' && next != '}' && !scanner.skip()) scanner.fail("Invalid integer literal.");
         return node;
     }
 
@@ -277,7 +276,6 @@ private:
     void entry(Object& node) {
         scanner.skip();
         if (scanner.peek() == '}') scanner.fail("Unexpected '}'.");
-        if (scanner.peek() == ',') scanner.fail("Unexpected ','.");
         if (scanner.peek() != '"') scanner.fail("Expected object key string.");
         std::string name = scanner.take_string();
         scanner.skip();

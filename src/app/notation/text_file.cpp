@@ -93,8 +93,7 @@ std::string decode_text(std::string_view bytes) {
 std::string load_text_file(const std::string& path) {
     std::string bytes;
     if (const int error = platform::read_whole_file(path, bytes); error != 0)
-        throw FileIO::FileException("load_text_file()", with_system_error("Unable to open file.", error), path,
-                                    error);
+        throw FileIO::FileException("load_text_file()", with_system_error("Unable to open file.", error), path, error);
     return decode_text(bytes);
 }
 

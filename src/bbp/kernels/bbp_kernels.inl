@@ -47,9 +47,7 @@ ZVP_KERNEL_INLINE void set_exponents(TermBlock& block, std::uint64_t first, std:
 ZVP_KERNEL_INLINE void square_by_shared_bit(TermBlock& block, std::int64_t doubling_bits, bool reduce_result) {
     const Integers doubling = Integers::broadcast(doubling_bits);
     for (std::size_t at = 0; at < BBPv2::block_terms; at += lanes)
-        Modulus(block.modulus, at)
-            .square(Doubles::load(block.x + at), doubling, reduce_result)
-            .store(block.x + at);
+        Modulus(block.modulus, at).square(Doubles::load(block.x + at), doubling, reduce_result).store(block.x + at);
 }
 
 /// The same, each term by the bit of its own exponent.
@@ -68,8 +66,8 @@ ZVP_KERNEL_INLINE void square_by_own_bit(TermBlock& block, int bit, bool reduce_
 
 /// x = 2^exponent modulo m. `largest` and `smallest` bound the block's exponents: the bits above their highest
 /// difference are common to all.
-ZVP_KERNEL_INLINE void raise(TermBlock& block, std::uint64_t largest, std::uint64_t smallest,
-                             bool large_divisors, bool reduce_result) {
+ZVP_KERNEL_INLINE void raise(TermBlock& block, std::uint64_t largest, std::uint64_t smallest, bool large_divisors,
+                             bool reduce_result) {
     const int head_bits = large_divisors ? head_bits_large_divisors : 5;
     const int length = 64 - __builtin_clzll(largest | 1);
     const int rest = length > head_bits ? length - head_bits : 0;
@@ -114,21 +112,18 @@ ZVP_KERNEL_INLINE zvp::platform::KernelSet sum_powers(std::int64_t* digits, std:
         // Behind the last term of a short block the exponents may pass below 0; any in range will do, as those
         // terms are cleared before the division.
         for (std::size_t i = used; i < BBPv2::block_terms; ++i) block.exponent[i] = block.exponent[0];
-        raise(block, largest, largest - (used - 1) * terms.exponent_step, divisor >= large_divisor,
-              reduce_result);
+        raise(block, largest, largest - (used - 1) * terms.exponent_step, divisor >= large_divisor, reduce_result);
         for (std::size_t i = used; i < BBPv2::block_terms; ++i) block.x[i] = 0;
         divide(block, digits, 0, n);
     }
     return this_set;
 }
 
-zvp::platform::KernelSet sum_powers_mode_a(std::int64_t* digits, std::size_t n,
-                                           const BBPv2::PowerTerms& terms) {
+zvp::platform::KernelSet sum_powers_mode_a(std::int64_t* digits, std::size_t n, const BBPv2::PowerTerms& terms) {
     return sum_powers(digits, n, terms, false);
 }
 
-zvp::platform::KernelSet sum_powers_mode_b(std::int64_t* digits, std::size_t n,
-                                           const BBPv2::PowerTerms& terms) {
+zvp::platform::KernelSet sum_powers_mode_b(std::int64_t* digits, std::size_t n, const BBPv2::PowerTerms& terms) {
     return sum_powers(digits, n, terms, true);
 }
 
@@ -159,8 +154,7 @@ zvp::platform::KernelSet sum_shifted(std::int64_t* digits, std::size_t n, const 
             const Doubles here = Doubles::broadcast(static_cast<double>(j));
             Integers sum = Integers::load(digits + j * lanes) - bias;
             for (std::size_t at = 0; at < BBPv2::block_terms; at += lanes) {
-                const Doubles begun =
-                    select_equal(Doubles::load(place + at), here, Doubles::load(dividend + at));
+                const Doubles begun = select_equal(Doubles::load(place + at), here, Doubles::load(dividend + at));
                 const Doubles x = Doubles::load(block.x + at) * base + begun;
                 Modulus(block.modulus, at).divide(x, sum).store(block.x + at);
             }

@@ -3,24 +3,25 @@
 // All numbers are exact integers. For a divisor m below 2^51, i is 1/m rounded. Adding and subtracting
 // magic = 3 * 2^51 rounds a double below 2^51 in magnitude to an integer.
 //
-// square(): with |x| <= c * m and y = x * 2x (or x * x), let h = y rounded, l = y - h (exact, by fusion), and q
-// the integer that h * i rounds to. Then h - q * m is exact in one fused operation, since it is an integer
-// below 2^53, and so is its sum with l. What is left is congruent to y, and its bound follows from three
-// errors:
+// square(): with |x| <= c * m and y = x * 2x (or x * x), let h = y rounded, l = y - h (exact, by fusion), and q the
+// integer that h * i rounds to. Then h - q * m is exact in one fused operation, since it is an integer below 2^53, and
+// so is its sum with l. What is left is congruent to y, and its bound follows from three errors:
 //   1/2            rounding of q,
 //   2^-53 * |q|    the relative error of i, as |q| <= 2 c^2 m,
 //   |l| / m        at most 2^-53 * |y| / m = 2^-53 * 2 c^2 m.
 // Mode A, m < 2^49: c <= 1/2 + 2^-3 c^2 + 2^-3 c^2 holds for c = 0.5858, and |q| <= 0.69 * 2^49.
-// Mode B, m < 2^51: x is reduced at the end, so that c = 1/2 and a little: |q| <= 2^50 and |y - q * m| <= 3/4
-// m. The first x, a power of two that reduce() took, has c <= 5/8 and stays inside both.
+// Mode B, m < 2^51: x is reduced at the end, so that c = 1/2 and a little: |q| <= 2^50 and |y - q * m| <= 3/4 m.
+// The first x, a power of two that reduce() took, has c <= 9/16: then |q| <= 0.64 * 2^49 and 0.64 * 2^51.
+//
+// divide(): a remainder of at most c * m times 2^48 gives |q| <= c * 2^48, so the next is at most (1/2 + c/32) * m.
 
 constexpr double magic = 6755399441055744.0;
 
 /// The bit pattern of `magic`: the bits of (x + magic) are this plus x.
 constexpr std::int64_t magic_bits = 0x4338000000000000;
 
-/// Bits of an exponent whose power of two reduce() takes at once: below 2^64, divided by a divisor of at least
-/// 2^large_divisor_bits, gives a quotient below 2^50.
+/// Bits of an exponent whose power of two reduce() takes at once: at most 2^63, divided by at least large_divisor, gives
+/// a quotient of at most 2^49.
 constexpr int head_bits_large_divisors = 6;
 
 struct ModulusBlock {

@@ -2,15 +2,17 @@
 //
 // All numbers are exact integers. For a divisor m below 2^51, i is 1/m rounded. Adding and subtracting
 // magic = 3 * 2^51 rounds a double below 2^51 in magnitude to an integer; adding and subtracting
-// splitter = 1.5 * 2^78 rounds it to a multiple of 2^26. With every factor split into a high part, a multiple
-// of 2^26 below 2^52, and a low part of at most 2^25, all partial products have at most 53 bits. They are
-// summed from the largest down: a multiple of 2^52 that has cancelled to below 2^79, then multiples of 2^26
+// splitter = 1.5 * 2^78 rounds it to a multiple of 2^26. With every factor split into a high part, a multiple of 2^26
+// below 2^52, and a low part of at most 2^25, all partial products have at most 53 bits. They are summed from the
+// largest down: a multiple of 2^52 (of 2^48 in a division) that has cancelled to below 2^79, then multiples of 2^26
 // below 2^79, then integers below 2^53. So every partial sum is exact.
 //
-// square(): with |x| <= c * m and y = f * x^2, f = 1 or 2, let q be the integer that x * (f x) * i rounds to.
-// The two products and i are each off by at most 2^-53 of their value, so |y - q * m| <= (1/2 + 3 * 2^-53 * 2
-// c^2 m) * m. Mode A, m < 2^49: c <= 1/2 + 3/8 c^2 holds for c = 2/3, and |q| <= 0.9 * 2^49. Mode B, m < 2^51:
-// x is reduced at the end, so that c = 1/2 and a little, and |q| <= 2^50.
+// square(): with |x| <= c * m and y = f * x^2, f = 1 or 2, let q be the integer that x * (f x) * i rounds to. The two
+// products and i are each off by at most 2^-53 of their value, so |y - q * m| <= (1/2 + 3 * 2^-53 * 2 c^2 m) * m.
+// Mode A, m < 2^49: c <= 1/2 + 3/8 c^2 holds for c = 2/3, and |q| <= 0.9 * 2^49.
+// Mode B, m < 2^51: x is reduced at the end, so that c = 1/2 and a little, and |q| <= 2^50.
+//
+// divide(): a remainder of at most c * m times 2^48 gives |q| <= c * 2^48, so the next is at most (1/2 + c/16) * m.
 
 constexpr double magic = 6755399441055744.0;
 
@@ -66,8 +68,7 @@ struct Modulus {
         const Doubles q = (x * fx * inverse + big) - big;
         const Doubles xh = high_part(x), xl = x - xh, fxl = f * xl;
         const Doubles qh = high_part(q), ql = q - qh;
-        const Doubles y =
-            f * xh * xh - high * qh + xh * (fxl + fxl) - high * ql - low * qh + xl * fxl - low * ql;
+        const Doubles y = f * xh * xh - high * qh + xh * (fxl + fxl) - high * ql - low * qh + xl * fxl - low * ql;
         return reduce_result ? reduce(y) : y;
     }
 

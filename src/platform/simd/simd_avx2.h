@@ -16,9 +16,7 @@ struct VecI {
     ZVP_KERNEL_INLINE static VecI load(const std::int64_t* p) {
         return {_mm256_load_si256(reinterpret_cast<const __m256i*>(p))};
     }
-    ZVP_KERNEL_INLINE void store(std::int64_t* p) const {
-        _mm256_store_si256(reinterpret_cast<__m256i*>(p), v);
-    }
+    ZVP_KERNEL_INLINE void store(std::int64_t* p) const { _mm256_store_si256(reinterpret_cast<__m256i*>(p), v); }
 
     ZVP_KERNEL_INLINE friend VecI operator+(VecI a, VecI b) { return {_mm256_add_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator-(VecI a, VecI b) { return {_mm256_sub_epi64(a.v, b.v)}; }

@@ -16,9 +16,7 @@ struct VecI {
     ZVP_KERNEL_INLINE static VecI load(const std::int64_t* p) {
         return {_mm512_load_si512(reinterpret_cast<const __m512i*>(p))};
     }
-    ZVP_KERNEL_INLINE void store(std::int64_t* p) const {
-        _mm512_store_si512(reinterpret_cast<__m512i*>(p), v);
-    }
+    ZVP_KERNEL_INLINE void store(std::int64_t* p) const { _mm512_store_si512(reinterpret_cast<__m512i*>(p), v); }
 
     ZVP_KERNEL_INLINE friend VecI operator+(VecI a, VecI b) { return {_mm512_add_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator-(VecI a, VecI b) { return {_mm512_sub_epi64(a.v, b.v)}; }

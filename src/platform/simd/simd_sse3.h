@@ -21,9 +21,7 @@ struct VecI {
     ZVP_KERNEL_INLINE friend VecI operator+(VecI a, VecI b) { return {_mm_add_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator-(VecI a, VecI b) { return {_mm_sub_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator&(VecI a, VecI b) { return {_mm_and_si128(a.v, b.v)}; }
-    ZVP_KERNEL_INLINE friend VecI shift_left(VecI a, int bits) {
-        return {_mm_sll_epi64(a.v, _mm_cvtsi32_si128(bits))};
-    }
+    ZVP_KERNEL_INLINE friend VecI shift_left(VecI a, int bits) { return {_mm_sll_epi64(a.v, _mm_cvtsi32_si128(bits))}; }
     ZVP_KERNEL_INLINE friend VecI shift_right(VecI a, int bits) {
         return {_mm_srl_epi64(a.v, _mm_cvtsi32_si128(bits))};
     }

@@ -1,10 +1,8 @@
 // Opens the target region of the avx512 kernel set; closed by target_end.inl. Include after all other headers.
 #if defined(__clang__)
-#pragma clang attribute push(                                                                                  \
-    __attribute__((target("avx2,fma,bmi,bmi2,adx,lzcnt,popcnt,avx512f,avx512vl,avx512bw,avx512dq"))),          \
-    apply_to = function)
+#pragma clang attribute push(__attribute__((target("avx2,fma,bmi2,adx,avx512f,avx512vl,avx512bw,avx512dq"))),          \
+                             apply_to = function)
 #else
 #pragma GCC push_options
-#pragma GCC target(                                                                                            \
-    "avx2,fma,bmi,bmi2,adx,lzcnt,popcnt,avx512f,avx512vl,avx512bw,avx512dq,prefer-vector-width=512")
+#pragma GCC target("avx2,fma,bmi2,adx,avx512f,avx512vl,avx512bw,avx512dq,prefer-vector-width=512")
 #endif

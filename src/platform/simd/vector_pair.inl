@@ -7,26 +7,16 @@ struct PairI {
 
     VecI first, second;
 
-    ZVP_KERNEL_INLINE static PairI broadcast(std::int64_t x) {
-        return {VecI::broadcast(x), VecI::broadcast(x)};
-    }
-    ZVP_KERNEL_INLINE static PairI load(const std::int64_t* p) {
-        return {VecI::load(p), VecI::load(p + VecI::lanes)};
-    }
+    ZVP_KERNEL_INLINE static PairI broadcast(std::int64_t x) { return {VecI::broadcast(x), VecI::broadcast(x)}; }
+    ZVP_KERNEL_INLINE static PairI load(const std::int64_t* p) { return {VecI::load(p), VecI::load(p + VecI::lanes)}; }
     ZVP_KERNEL_INLINE void store(std::int64_t* p) const {
         first.store(p);
         second.store(p + VecI::lanes);
     }
 
-    ZVP_KERNEL_INLINE friend PairI operator+(PairI a, PairI b) {
-        return {a.first + b.first, a.second + b.second};
-    }
-    ZVP_KERNEL_INLINE friend PairI operator-(PairI a, PairI b) {
-        return {a.first - b.first, a.second - b.second};
-    }
-    ZVP_KERNEL_INLINE friend PairI operator&(PairI a, PairI b) {
-        return {a.first & b.first, a.second & b.second};
-    }
+    ZVP_KERNEL_INLINE friend PairI operator+(PairI a, PairI b) { return {a.first + b.first, a.second + b.second}; }
+    ZVP_KERNEL_INLINE friend PairI operator-(PairI a, PairI b) { return {a.first - b.first, a.second - b.second}; }
+    ZVP_KERNEL_INLINE friend PairI operator&(PairI a, PairI b) { return {a.first & b.first, a.second & b.second}; }
     ZVP_KERNEL_INLINE friend PairI shift_left(PairI a, int bits) {
         return {shift_left(a.first, bits), shift_left(a.second, bits)};
     }
@@ -41,32 +31,20 @@ struct PairD {
     VecD first, second;
 
     ZVP_KERNEL_INLINE static PairD broadcast(double x) { return {VecD::broadcast(x), VecD::broadcast(x)}; }
-    ZVP_KERNEL_INLINE static PairD load(const double* p) {
-        return {VecD::load(p), VecD::load(p + VecD::lanes)};
-    }
+    ZVP_KERNEL_INLINE static PairD load(const double* p) { return {VecD::load(p), VecD::load(p + VecD::lanes)}; }
     ZVP_KERNEL_INLINE void store(double* p) const {
         first.store(p);
         second.store(p + VecD::lanes);
     }
 
-    ZVP_KERNEL_INLINE friend PairD operator+(PairD a, PairD b) {
-        return {a.first + b.first, a.second + b.second};
-    }
-    ZVP_KERNEL_INLINE friend PairD operator-(PairD a, PairD b) {
-        return {a.first - b.first, a.second - b.second};
-    }
-    ZVP_KERNEL_INLINE friend PairD operator*(PairD a, PairD b) {
-        return {a.first * b.first, a.second * b.second};
-    }
-    ZVP_KERNEL_INLINE friend PairD operator/(PairD a, PairD b) {
-        return {a.first / b.first, a.second / b.second};
-    }
+    ZVP_KERNEL_INLINE friend PairD operator+(PairD a, PairD b) { return {a.first + b.first, a.second + b.second}; }
+    ZVP_KERNEL_INLINE friend PairD operator-(PairD a, PairD b) { return {a.first - b.first, a.second - b.second}; }
+    ZVP_KERNEL_INLINE friend PairD operator*(PairD a, PairD b) { return {a.first * b.first, a.second * b.second}; }
+    ZVP_KERNEL_INLINE friend PairD operator/(PairD a, PairD b) { return {a.first / b.first, a.second / b.second}; }
     ZVP_KERNEL_INLINE friend PairD select_equal(PairD a, PairD b, PairD value) {
         return {select_equal(a.first, b.first, value.first), select_equal(a.second, b.second, value.second)};
     }
 
     ZVP_KERNEL_INLINE PairI bits() const { return {first.bits(), second.bits()}; }
-    ZVP_KERNEL_INLINE static PairD from_bits(PairI a) {
-        return {VecD::from_bits(a.first), VecD::from_bits(a.second)};
-    }
+    ZVP_KERNEL_INLINE static PairD from_bits(PairI a) { return {VecD::from_bits(a.first), VecD::from_bits(a.second)}; }
 };

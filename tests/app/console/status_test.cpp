@@ -118,8 +118,8 @@ TEST(StatusLine, IsRedrawnInPlaceOnATerminal) {
     for (const char* line : {"Series: Sum ( \x1b[92m 50 / 250)\x1b[0m", // 24 columns
                              "Series: Sum ( \x1b[92m100 / 250)\x1b[0m", //
                              "Series: \x1b[93mpart \x1b[0m66 %",        //
-                             "Series: ",                 // the line ends before a cell of 17 columns
-                             "Series: σ sixteen column", //
+                             "Series: ",                                // the line ends before a cell of 17 columns
+                             "Series: σ sixteen column",                //
                              "Time:    \x1b[96m1.500 seconds  ( 0.025 minutes )\r\n\x1b[0m"})
         expected += erased + line;
     EXPECT_EQ(output.substr(begin + 2, end - begin - 2), expected);

@@ -31,12 +31,11 @@ void expect_values(Value (*parse)(std::string_view), const std::string& rows) {
 }
 
 TEST(NumberForms, ByteUnitsChangeAtTheirRoundingBounds) {
-    expect_rows(
-        [](const std::string& text) { return format_bytes(std::stoull(text)); },
-        "0=  0 bytes;42= 42 bytes;999=999 bytes;1000=0.98 KiB;1018=0.99 KiB;1019=1.00 KiB;1024=1.00 KiB;"
-        "10234=9.99 KiB;10235=10.0 KiB;102348=99.9 KiB;102349= 100 KiB;1023487= 999 KiB;1023488=0.98 MiB;"
-        "1023999=0.98 MiB;1024000=0.98 MiB;1234567=1.18 MiB;1048051711= 999 MiB;1048051712=0.98 GiB;"
-        "1073322393=1.00 GiB;1099511627776=1.00 TiB;18446744073709551615=16.0 EiB");
+    expect_rows([](const std::string& text) { return format_bytes(std::stoull(text)); },
+                "0=  0 bytes;42= 42 bytes;999=999 bytes;1000=0.98 KiB;1018=0.99 KiB;1019=1.00 KiB;1024=1.00 KiB;"
+                "10234=9.99 KiB;10235=10.0 KiB;102348=99.9 KiB;102349= 100 KiB;1023487= 999 KiB;1023488=0.98 MiB;"
+                "1023999=0.98 MiB;1024000=0.98 MiB;1234567=1.18 MiB;1048051711= 999 MiB;1048051712=0.98 GiB;"
+                "1073322393=1.00 GiB;1099511627776=1.00 TiB;18446744073709551615=16.0 EiB");
 }
 
 TEST(NumberForms, CommasAndSignsStandAtTheEndsOfTheRange) {
@@ -58,9 +57,8 @@ TEST(NumberForms, TimesChangeUnitAtTwoHoursAndTwoDays) {
 TEST(ValueParsers, TakeTheLeadingNumberAndSaturate) {
     expect_values(parse_uL, "=0;x1=0;007a9=7;1,000=1;18446744073709551615=18446744073709551615;"
                             "18446744073709551616=18446744073709551615");
-    expect_values(parse_sL,
-                  "-=0;-5x=-5;9223372036854775808=9223372036854775807;"
-                  "-9223372036854775808=-9223372036854775808;-99999999999999999999=-9223372036854775808");
+    expect_values(parse_sL, "-=0;-5x=-5;9223372036854775808=9223372036854775807;"
+                            "-9223372036854775808=-9223372036854775808;-99999999999999999999=-9223372036854775808");
     expect_values(parse_u32, "4294967295=4294967295;4294967296=4294967295");
     expect_values(parse_s32, "-2147483649=-2147483648;2147483648=2147483647;-3=-3");
     expect_values(parse_commas, "1,234,567=1234567;,12,x3=12;,=0");
@@ -74,10 +72,9 @@ TEST(ValueParsers, DigitSuffixesDifferBetweenOptionAndMenu) {
 }
 
 TEST(ValueParsers, ByteCountsRoundTheFractionOfAUnitUp) {
-    expect_values(parse_bytes,
-                  "2.5GB=2684354560;768MB=805306368;768M=805306368;10  k=10240;0.1K=103;1.9=1;1.9 B=1;"
-                  ".5k=512;=0;15e=17293822569102704640;16E=18446744073709551615;"
-                  "15.9999999999999999999E=18446744073709551615");
+    expect_values(parse_bytes, "2.5GB=2684354560;768MB=805306368;768M=805306368;10  k=10240;0.1K=103;1.9=1;1.9 B=1;"
+                               ".5k=512;=0;15e=17293822569102704640;16E=18446744073709551615;"
+                               "15.9999999999999999999E=18446744073709551615");
 }
 
 TEST(TextWidth, ColumnsAreCodePointsNotBytes) {

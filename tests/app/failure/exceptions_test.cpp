@@ -68,8 +68,7 @@ std::vector<Sample> samples() {
                       TransformTooSmallException, ParseException, EndOfStreamException, KeyNotFoundException,
                       ArithmeticException, AlgorithmFailedException, ConvolutionFailedException,
                       ResourceAcquisitionFailedException, FarMemoryException, UnsupportedValueException,
-                      UnsupportedZeroException, UnsupportedNegativeException,
-                      StressTest::StressTestFailedException>();
+                      UnsupportedZeroException, UnsupportedNegativeException, StressTest::StressTestFailedException>();
     all.insert(all.end(), plain.begin(), plain.end());
     return all;
 }
@@ -122,8 +121,7 @@ TEST(ExceptionBytes, AreLittleEndianAndInOrder) {
     const std::pair<std::shared_ptr<Exception>, std::string> rows[] = {
         {std::make_shared<MemoryAllocationFailedException>("f", "", "ab", 0x0102030405060708),
          "\1\0\0\0f\0\0\0\0\2\0\0\0ab\x08\7\6\5\4\3\2\1"s},
-        {std::make_shared<FileIO::FileException>("", "m", "p", -2),
-         "\0\0\0\0\1\0\0\0m\1\0\0\0p\xFE\xFF\xFF\xFF"s},
+        {std::make_shared<FileIO::FileException>("", "m", "p", -2), "\0\0\0\0\1\0\0\0m\1\0\0\0p\xFE\xFF\xFF\xFF"s},
         {std::make_shared<BufferTooSmallException>("f", 1, 2), "\1\0\0\0\0\0\0\0\2\0\0\0\0\0\0\0"s},
     };
     for (const auto& [exception, expected] : rows) {

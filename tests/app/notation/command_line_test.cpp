@@ -13,8 +13,7 @@ namespace {
 using test::raised_by;
 
 TEST(CommandLine, SplitsAtTheFirstColonOnly) {
-    for (const auto& [word, key, value] :
-         {std::tuple{"-o:C:/x", "-o", "C:/x"}, {"word", "word", ""}, {":", "", ""}}) {
+    for (const auto& [word, key, value] : {std::tuple{"-o:C:/x", "-o", "C:/x"}, {"word", "word", ""}, {":", "", ""}}) {
         const CommandLine line({"zorvane", word});
         EXPECT_EQ(line.key() + "|" + line.value() + "|" + line.parameter(),
                   std::string(key) + "|" + value + "|" + word);

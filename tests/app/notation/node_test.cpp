@@ -83,8 +83,7 @@ TEST(NodeReads, TellWhatDisagrees) {
         {[&] { root.get_array("mixed").get_array(2); }, "ParseException: Expected Array, got Object."},
         {[&] { root.get_array("words").get_integer(0); }, "ParseException: Expected Integer, got String."},
         {[&] { root.get_boolean("count"); }, "ParseException: Expected String, got Integer."},
-        {[&] { root.get_array("mixed").get_object(3).get_boolean("path"); },
-         "ParseException: Expected true or false."},
+        {[&] { root.get_array("mixed").get_object(3).get_boolean("path"); }, "ParseException: Expected true or false."},
         {[&] { root.get_integer("Count"); }, "KeyNotFoundException: Key not found: Count"},
     };
     for (const auto& [read, raised] : rows) EXPECT_EQ(raised_by(read), raised);
@@ -142,11 +141,9 @@ TEST(ConfigFile, ReadsBackBehindItsHeading) {
     Object settings;
     settings.add_integer("Digits", 50);
     const std::string text = config_file_text("1.2 Build 3", "CustomCompute", settings);
-    EXPECT_TRUE(text.starts_with("//  zorvane Configuration File\r\n//  Version: 1.2 Build 3\r\n//\r\n"))
-        << text;
-    EXPECT_EQ(
-        parse_notation_text(text)->to_text(),
-        crlf("{\n    Action : \"CustomCompute\"\n    CustomCompute : {\n        Digits : 50\n    }\n}\n"));
+    EXPECT_TRUE(text.starts_with("//  zorvane Configuration File\r\n//  Version: 1.2 Build 3\r\n//\r\n")) << text;
+    EXPECT_EQ(parse_notation_text(text)->to_text(),
+              crlf("{\n    Action : \"CustomCompute\"\n    CustomCompute : {\n        Digits : 50\n    }\n}\n"));
     EXPECT_EQ(config_path("name"), "name.cfg");
     EXPECT_EQ(config_path("../name"), "../name");
 }

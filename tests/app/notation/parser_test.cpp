@@ -44,22 +44,21 @@ TEST(NotationParser, ErrorsTellTextAndLine) {
 
 TEST(JsonParser, ErrorsTellTextAndLine) {
     const std::string p = "ParseException: Line ", end = ": Unexpected end of stream.";
-    expect_errors(
-        parse_json_text,
-        {{p + "2: Unexpected ','.", {"[\n,1]", "[1,\n,2]", "{\"a\":1,\n,}"}},
-         {p + "2: Unexpected ']'.", {"[1,\n]"}},
-         {p + "2: Unexpected '}'.", {"{\"a\":1,\n}", "{\"a\":\n}"}},
-         {p + "2: Expected ',' before identifier.", {"[1\n2]", "[\"a\"\n\"b\"]", "[1\n}"}},
-         {p + "1: Invalid integer literal.", {"[1x]", "[1.5]", "[null]"}},
-         {p + "1: Integer literal is too large.", {"[9223372036854775808]", "[-9223372036854775808]"}},
-         {p + "1: Invalid escape character: n", {"[\"\\n\"]", "{\"\\n\":1}"}},
-         {p + "1: Expected object key string.", {"{a:1}", "{\"a\":1,2}"}},
-         {p + "1: Expected colon after object key string.", {"{\"a\" 1}", "{\"a\"}"}},
-         {p + "2: Expected ',' before object key string.", {"{\"a\":1\n\"b\":2}"}},
-         {p + "2: Duplicate key in object.", {"{\"a\":1,\n\"a\":2}"}},
-         {p + "1: Unexpected text behind the end of the value.", {"{}{}", "{},"}},
-         {"EndOfStreamException: Line 1" + end, {"", "5", "{\"a", "{\"a\":1,//}"}},
-         {"EndOfStreamException: Line 2" + end, {"[1,\n"}}});
+    expect_errors(parse_json_text,
+                  {{p + "2: Unexpected ','.", {"[\n,1]", "[1,\n,2]", "{\"a\": \n,}"}},
+                   {p + "2: Unexpected ']'.", {"[1,\n]"}},
+                   {p + "2: Unexpected '}'.", {"{\"a\":1,\n}", "{\"a\":\n}"}},
+                   {p + "2: Expected ',' before identifier.", {"[1\n2]", "[\"a\"\n\"b\"]", "[1\n}"}},
+                   {p + "1: Invalid integer literal.", {"[1x]", "[1.5]", "[null]"}},
+                   {p + "1: Integer literal is too large.", {"[9223372036854775808]", "[-9223372036854775808]"}},
+                   {p + "1: Invalid escape character: n", {"[\"\\n\"]", "{\"\\n\":1}"}},
+                   {p + "1: Expected object key string.", {"{a:1}", "{\"a\":1,2}"}},
+                   {p + "1: Expected colon after object key string.", {"{\"a\" 1}", "{\"a\"}"}},
+                   {p + "2: Expected ',' before object key string.", {"{\"a\":1\n\"b\":2}"}},
+                   {p + "2: Duplicate key in object.", {"{\"a\":1,\n\"a\":2}"}},
+                   {p + "1: Unexpected text behind the end of the value.", {"{}{}", "{},"}},
+                   {"EndOfStreamException: Line 1" + end, {"", "5", "{\"a", "{\"a\":1,//}"}},
+                   {"EndOfStreamException: Line 2" + end, {"[1,\n"}}});
 }
 
 TEST(NotationParser, AcceptsWhatTheGrammarAllows) {

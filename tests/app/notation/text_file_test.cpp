@@ -19,8 +19,7 @@ TEST(TextFile, EveryEncodingBecomesUtf8) {
         {"\xFF", "UTF-8", "\xFF"},
         {"\xEF\xBB\xBF\xCF\x80\0\xEF\xBB\xBF"s, "UTF-8", "\xCF\x80\0\xEF\xBB\xBF"s},
         {"\xFF\xFE", "UTF-16 (Little Endian)", ""},
-        {"\xFF\xFE\x61\0\xC0\x03\0\0\xAC\x20\x3D\xD8\x00\xDE"s, "UTF-16 (Little Endian)",
-         "a\u03C0\0\u20AC\U0001F600"s},
+        {"\xFF\xFE\x61\0\xC0\x03\0\0\xAC\x20\x3D\xD8\x00\xDE"s, "UTF-16 (Little Endian)", "a\u03C0\0\u20AC\U0001F600"s},
         {"\xFE\xFF\0\x7F\0\x80\x07\xFF\x08\0\0\0\xFF\xFF\xD8\0\xDC\0\xDB\xFF\xDF\xFF"s, "UTF-16 (Big Endian)",
          "\x7F\u0080\u07FF\u0800\0\uFFFF\U00010000\U0010FFFF"s}};
     for (const auto& [bytes, encoding, text] : rows) {
