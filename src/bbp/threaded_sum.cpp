@@ -1,6 +1,8 @@
 #include "bbp/threaded_sum.h"
 
 #include "app/failure/exceptions.h"
+#include "parallel/topology/scheduling_group.h"
+#include "parallel/topology/thread_placement.h"
 #include "platform/threads.h"
 
 #include <algorithm>
@@ -53,13 +55,19 @@ private:
     void work(std::uint32_t thread) {
         try {
             const zvp::platform::FaultStack fault_stack;
-            const std::vector<unsigned>& cores = zvp::platform::usable_cores();
-            // A refused binding leaves the thread where the scheduler puts it.
-            if (settings.pin) zvp::platform::bind_thread_to_core(cores[thread % cores.size()]);
+            place(thread);
             for (Chunk chunk = take_chunk(); chunk.begin != chunk.end; chunk = take_chunk()) sum_chunk(chunk);
         } catch (...) {
             fail();
         }
+    }
+
+    /// A refused binding leaves the thread where the scheduler puts it.
+    void place(std::uint32_t thread) const {
+        if (!settings.pin) return zvp::assign_thread_to_group(thread);
+        zvp::SchedulingGroup core;
+        core |= static_cast<unsigned>(thread % zvp::core_map().size());
+        core.bind_thread();
     }
 
     Chunk take_chunk() {

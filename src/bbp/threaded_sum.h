@@ -11,7 +11,7 @@ namespace BBPv2 {
 
 struct ThreadSettings {
     std::uint32_t threads = 1;
-    bool pin = false; // bind thread i to the i-th core that the process may use, in turn
+    bool pin = false; // bind thread i to core i, modulo the number of cores
 };
 
 /// The terms of the next chunk when `remaining` are left for `threads` threads: large enough that taking one

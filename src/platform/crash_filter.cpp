@@ -137,7 +137,7 @@ void install_fault_handler(FaultHandler handler) {
 }
 
 CrashRecordResult write_crash_record(const Fault& fault, const char* path) noexcept {
-    const int file = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    const int file = open(path, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
     if (file < 0) return {false, errno};
     RecordFile out(file);
     out << "zorvane crash record\n\n";

@@ -46,6 +46,7 @@ int read_whole_file(const std::string& path, std::string& content) {
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) return errno;
         if (got == 0) return 0;
+        if (content.size() + static_cast<std::size_t>(got) > max_whole_file_bytes) return EFBIG;
         content.append(block, static_cast<std::size_t>(got));
     }
 }

@@ -1,12 +1,16 @@
 #pragma once
 // Whole small files: configuration, formulas, check digits. Bulk files have a layer of their own.
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace zvp::platform {
 
-/// Reads the whole file into `content`. Returns 0, or errno (EISDIR for a folder).
+/// The largest file that read_whole_file() takes: a device or a pipe may never end.
+inline constexpr std::size_t max_whole_file_bytes = std::size_t{64} << 20;
+
+/// Reads the whole file into `content`. Returns 0, or errno (EISDIR for a folder, EFBIG for one that is too large).
 int read_whole_file(const std::string& path, std::string& content);
 
 /// Replaces the file by `content`: written beside it, synced and renamed over it, so that a failure leaves the

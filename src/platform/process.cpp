@@ -1,5 +1,6 @@
 #include "platform/process.h"
 
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <csignal>
@@ -8,6 +9,16 @@
 #include <unistd.h>
 
 namespace zvp::platform {
+
+namespace {
+
+/// The main thread's nice value is the one that the process shows; a thread that asks first may have another.
+std::atomic<int>& base_nice_value() {
+    static std::atomic<int> value{getpriority(PRIO_PROCESS, static_cast<id_t>(getpid()))};
+    return value;
+}
+
+} // namespace
 
 std::optional<std::string> executable_path() {
     std::string path(PATH_MAX, '\0');
@@ -19,7 +30,10 @@ std::optional<std::string> executable_path() {
 
 void end_process(int code) noexcept { _exit(code); }
 
-void ignore_broken_pipes() { std::signal(SIGPIPE, SIG_IGN); }
+void ignore_write_signals() {
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+}
 
 int nice_value(PriorityClass priority) {
     switch (priority) {
@@ -34,12 +48,17 @@ int nice_value(PriorityClass priority) {
 }
 
 int set_priority_class(PriorityClass priority, bool requested) {
+    base_nice_value(); // read before it changes
     const int target = nice_value(priority);
     errno = 0;
     const int current = getpriority(PRIO_PROCESS, 0);
     if (!requested && errno == 0 && current >= target) return 0;
-    return setpriority(PRIO_PROCESS, 0, target) == 0 ? 0 : errno;
+    if (setpriority(PRIO_PROCESS, 0, target) != 0) return errno;
+    base_nice_value() = target;
+    return 0;
 }
+
+int process_nice_value() { return base_nice_value(); }
 
 std::string environment_variable(const char* name) {
     const char* value = std::getenv(name);

@@ -13,8 +13,9 @@ std::optional<std::string> executable_path();
 /// threads run.
 [[noreturn]] void end_process(int code) noexcept;
 
-/// A write to a closed pipe or peer becomes an error code, never a signal that ends the process.
-void ignore_broken_pipes();
+/// A write to a closed pipe or peer, or beyond a limit of file size, becomes an error code, never a signal that ends the
+/// process.
+void ignore_write_signals();
 
 enum class PriorityClass { idle, below_normal, normal, above_normal, high, real_time };
 
@@ -25,6 +26,10 @@ int set_priority_class(PriorityClass priority, bool requested);
 
 /// The nice value that stands for the class.
 int nice_value(PriorityClass priority);
+
+/// The nice value of the process, to which those of its threads are relative: the one that set_priority_class() set, else
+/// the one that the process was started with.
+int process_nice_value();
 
 /// The value of an environment variable; empty when it isn't set.
 std::string environment_variable(const char* name);

@@ -2,6 +2,7 @@
 
 #include "app/console/value_parsers.h"
 #include "app/failure/exceptions.h"
+#include "parallel/tasks/parallelization_settings.h"
 
 #include <algorithm>
 
@@ -18,14 +19,13 @@ void require_swap_mode(const ResourceRequest& request, const CommandLine::Comman
 
 void take_allocator(ResourceRequest& request, CommandLine::CommandLine& line) { request.allocator = line.take_value(); }
 
-void take_framework(ResourceRequest& request, CommandLine::CommandLine& line) { request.framework = line.take_value(); }
+void take_framework(ResourceRequest& request, CommandLine::CommandLine& line) {
+    zvp::make_framework_config(line.value()); // refuses a name that isn't one
+    request.framework = line.take_value();
+}
 
 void take_task_decomposition(ResourceRequest& request, CommandLine::CommandLine& line) {
-    const std::uint32_t count = zvp::parse_u32(line.take_value());
-    if (count < 1 || count > max_task_decomposition)
-        throw zvp::InvalidParametersException("", "Task decomposition must be between 1 and "
-                                                      + std::to_string(max_task_decomposition));
-    request.task_decomposition = count;
+    request.task_decomposition = zvp::checked_task_decomposition(zvp::parse_u32(line.take_value()));
 }
 
 void take_memory(ResourceRequest& request, CommandLine::CommandLine& line) {

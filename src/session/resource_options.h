@@ -16,14 +16,12 @@ struct ResourceRequest {
     bool swap_mode = false;
     std::optional<std::string> allocator;            // keyword
     std::optional<std::string> framework;            // keyword
-    std::optional<std::uint32_t> task_decomposition; // 1 .. max_task_decomposition
+    std::optional<std::uint32_t> task_decomposition; // 1 .. zvp::max_task_decomposition
     std::optional<std::uint64_t> memory;             // bytes; swap mode only
     std::optional<std::uint64_t> bytes_per_seek;     // swap mode only
     std::optional<std::string> far_memory;           // keyword of the array; swap mode only
     std::vector<std::string> far_memory_paths;
 };
-
-inline constexpr std::uint32_t max_task_decomposition = 65'536;
 
 /// Handlers of -MA, -PF, -TD, -M, -minIO and -swap. One that needs swap mode fails without it with
 /// "Option -M is not supported for this mode.".

@@ -27,14 +27,26 @@ inline std::string replaced(const std::string& text, const char* mark, const std
     return at == std::string::npos ? text : text.substr(0, at) + by + text.substr(at + 1);
 }
 
-/// What a run prints before its action, on a processor that has the required features.
-inline const std::string start_up =
-    "\nChecking processor/OS features...\n\nRequired Features:\n    SSE, SSE2, SSE3\n\n\n\n";
+/// The first lines of every run, on a processor that has the required features.
+inline const std::string feature_check =
+    "\nChecking processor/OS features...\n\nRequired Features:\n    SSE, SSE2, SSE3\n\n\n";
 
-/// The output behind `start_up`, with "V" for the version. An output that doesn't begin so is returned whole.
+/// What stands between them and the action, on a machine of one processor group.
+inline const std::regex topology_lines(
+    R"(Parsing Core -> Handle Mappings\.\.\.\n)"
+    R"(Parsing NUMA -> Core Mappings\.\.\.\n(    Node +\d+:  ([\d-]+ )+\n( {14,}([\d-]+ )+\n)*)+)"
+    R"(Parsing Processor Group -> Core Mappings\.\.\.\n    Group  0:  ([\d-]+ )+\n( {15,}([\d-]+ )+\n)*\n)");
+
+/// The output behind the start-up lines, with "V" for the version. An output that doesn't begin with them is returned
+/// whole.
 inline std::string behind_start_up(const ProgramResult& result) {
-    const std::size_t skipped = result.output.starts_with(start_up) ? start_up.size() : 0;
-    return std::regex_replace(result.output.substr(skipped), std::regex(R"(\d+\.\d+\.\d+ Build \d+)"), "V");
+    std::string output = result.output;
+    std::smatch match;
+    if (output.starts_with(feature_check)
+        && std::regex_search(output.cbegin() + static_cast<std::ptrdiff_t>(feature_check.size()), output.cend(), match,
+                             topology_lines, std::regex_constants::match_continuous))
+        output = match.suffix();
+    return std::regex_replace(output, std::regex(R"(\d+\.\d+\.\d+ Build \d+)"), "V");
 }
 
 /// Runs the program and expects this output behind the start-up lines.

@@ -88,6 +88,8 @@ std::string read_line(char color) {
             if (ended) fatal_stop("The input has ended, but an answer is needed. Stopping.");
             ended = true;
         }
+        if (status == platform::LineStatus::failed)
+            fatal_stop("The input can't be read, but an answer is needed. Stopping.");
         break;
     }
     while (!line.empty() && static_cast<unsigned char>(line.back()) < 32) line.pop_back();
@@ -95,7 +97,7 @@ std::string read_line(char color) {
 }
 
 void pause(char color) {
-    if (!platform::input_is_terminal()) return;
+    if (!platform::input_is_terminal() || !platform::output_is_terminal()) return;
     set_color(color);
     platform::wait_for_key();
 }

@@ -14,8 +14,18 @@
 
 namespace zvp {
 
+namespace {
+
+/// A line that fills the terminal's last column would wrap.
+std::size_t drawable_width(std::size_t width) {
+    const unsigned columns = platform::output_columns();
+    return columns == 0 ? width : std::min<std::size_t>(width, columns - 1);
+}
+
+} // namespace
+
 LinearConsoleRoot::LinearConsoleRoot(std::size_t width_, double refresh_seconds)
-    : width(width_), refresh_interval(static_cast<std::uint64_t>(refresh_seconds * 1e9)) {}
+    : width(drawable_width(width_)), refresh_interval(static_cast<std::uint64_t>(refresh_seconds * 1e9)) {}
 
 LinearConsoleRoot::~LinearConsoleRoot() {
     first_node.reset();
@@ -90,7 +100,7 @@ void LinearConsoleRoot::update(bool force) {
 
 void LinearConsoleRoot::draw(bool force, const StatusCell* extra) {
     const std::lock_guard lock(console_mutex());
-    if (!refresh_due(force)) return;
+    if (!refresh_due(force) || !platform::output_ready()) return;
     last_refresh = platform::coarse_counter();
     displayed = true;
     zvp::print("\r" + std::string(width, ' ') + "\r", 'w');

@@ -4,6 +4,7 @@
 
 #include "app/console/console.h"
 #include "app/console/console_lock.h"
+#include "app/console/process_switches.h"
 #include "platform/clock.h"
 #include "platform/console_io.h"
 #include "platform/crash_filter.h"
@@ -84,7 +85,7 @@ void on_fault(const zvp::platform::Fault& fault) {
         zvp::print("Done!\n\nThe program will now exit.\n");
     }
     zvp::print("\n");
-    zvp::pause();
+    if (zvp::process_switches().pause_on_fatal_exit) zvp::pause();
     zvp::reset_color();
     if (locked) zvp::console_mutex().unlock();
 }

@@ -11,7 +11,10 @@
 #include "app/menus/main_menu.h"
 #include "gateway/slave_action.h"
 #include "ioanalysis/benchio_action.h"
+#include "parallel/tasks/framework_config.h"
+#include "platform/console_io.h"
 #include "platform/process.h"
+#include "platform/system_error.h"
 #include "session/bench_action.h"
 #include "session/custom_action.h"
 #include "stress/stress_action.h"
@@ -33,6 +36,7 @@ void set_executable_path() {
 /// needed.
 void build_tables() {
     zvp::exception_registry();
+    zvp::framework_registry();
     global_options();
     action_table();
     config_actions();
@@ -83,10 +87,20 @@ void pause_at_end(int code) {
     if (!skips) zvp::pause();
 }
 
+/// Output that went nowhere, but for a reader that has gone away, mustn't look like success.
+bool tell_lost_output() {
+    const int error = zvp::platform::lost_output();
+    if (error == 0) return false;
+    zvp::platform::write_error("zorvane: output was lost: " + std::string(zvp::platform::system_error_text(error))
+                               + "\n");
+    return true;
+}
+
 } // namespace
 
 int run_program(std::vector<std::string> parameters) {
-    zvp::platform::ignore_broken_pipes();
+    zvp::platform::ignore_write_signals();
+    zvp::platform::restore_terminal_at_signals();
     build_tables();
     set_executable_path();
     CommandLine::CommandLine line(std::move(parameters));
@@ -94,7 +108,7 @@ int run_program(std::vector<std::string> parameters) {
     zvp::reset_color();
     zvp::print_line();
     pause_at_end(code);
-    return code;
+    return tell_lost_output() ? 1 : code;
 }
 
 } // namespace zorvane

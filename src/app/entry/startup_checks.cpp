@@ -4,6 +4,7 @@
 #include "app/console/process_switches.h"
 #include "app/console/unbuilt.h"
 #include "app/failure/exceptions.h"
+#include "parallel/topology/topology.h"
 #include "platform/file.h"
 #include "platform/kernel_set.h"
 #include "platform/process.h"
@@ -49,8 +50,12 @@ void check_kernel_set() {
     if (!error.empty()) throw zvp::InvalidParametersException("", error);
 }
 
+void check_processor_groups() { zvp::check_processor_groups(); }
+
+void build_topology_tables() { zvp::topology(); }
+
 /// A check joins the start-up as one entry here.
-constexpr std::array checks{check_processor_features, check_kernel_set};
+constexpr std::array checks{check_processor_features, check_kernel_set, check_processor_groups, build_topology_tables};
 
 } // namespace
 

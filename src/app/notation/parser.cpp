@@ -94,7 +94,9 @@ public:
         const char c = peek();
         if (c == '"' || c == '\\') return take();
         std::size_t length = 1; // the whole character, if it has several bytes
-        while (at + length < text.size() && (static_cast<unsigned char>(text[at + length]) & 0xC0) == 0x80) ++length;
+        while (length < 4 && at + length < text.size()
+               && (static_cast<unsigned char>(text[at + length]) & 0xC0) == 0x80)
+            ++length;
         fail("Invalid escape character: " + std::string(text.substr(at, length)));
     }
 

@@ -1,7 +1,10 @@
 #include "app/notation/text_file.h"
 
+#include "app/console/number_forms.h"
 #include "app/failure/file_exceptions.h"
 #include "platform/file.h"
+
+#include <cerrno>
 
 namespace zvp {
 
@@ -92,7 +95,13 @@ std::string decode_text(std::string_view bytes) {
 
 std::string load_text_file(const std::string& path) {
     std::string bytes;
-    if (const int error = platform::read_whole_file(path, bytes); error != 0)
+    const int error = platform::read_whole_file(path, bytes);
+    if (error == EFBIG)
+        throw FileIO::FileException("load_text_file()",
+                                    "The file is too large. A text file may have "
+                                        + format_number(platform::max_whole_file_bytes, NumberForm::commas) + " bytes.",
+                                    path, 0);
+    if (error != 0)
         throw FileIO::FileException("load_text_file()", with_system_error("Unable to open file.", error), path, error);
     return decode_text(bytes);
 }

@@ -1,0 +1,116 @@
+// Bytes per second of getting large memory ready, beside memset on the same block: fresh pages (the system's price
+// included) and pages that are there already.
+
+#include "parallel/memory/page_lock.h"
+#include "parallel/memory/residency.h"
+#include "parallel/memory/touch.h"
+#include "parallel/tasks/push_pool.h"
+#include "platform/memory.h"
+#include "platform/threads.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+
+namespace {
+
+using namespace zvp;
+using platform::PageKind;
+
+constexpr std::size_t block_bytes = std::size_t{1} << 30;
+
+void set_rate(benchmark::State& state) {
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(block_bytes));
+}
+
+/// Calls work(block) on a new block each time; the clock runs in `work` only.
+template <class Function>
+void on_fresh_blocks(benchmark::State& state, PageKind kind, Function&& work) {
+    platform::MemorySystem& system = platform::memory_system();
+    for (auto _ : state) {
+        state.PauseTiming();
+        const platform::Mapping block = system.map(block_bytes, 4096, kind);
+        if (!block.base) return state.SkipWithError("no such pages");
+        state.ResumeTiming();
+        work(block.data);
+        state.PauseTiming();
+        system.release(block);
+        state.ResumeTiming();
+    }
+    set_rate(state);
+}
+
+void fresh_memset(benchmark::State& state, PageKind kind) {
+    on_fresh_blocks(state, kind, [](std::byte* p) { std::memset(p, 1, block_bytes); });
+}
+
+void fresh_touch(benchmark::State& state, PageKind kind) {
+    on_fresh_blocks(state, kind, [](std::byte* p) { touch(p, block_bytes); });
+}
+
+void fresh_parallel_touch(benchmark::State& state, PageKind kind) {
+    PushPool pool({}, {});
+    const auto tasks = static_cast<std::uint32_t>(8 * platform::usable_cores().size());
+    on_fresh_blocks(state, kind, [&](std::byte* p) { touch_in_parallel({tasks, &pool}, p, block_bytes); });
+}
+
+void lock_fresh(benchmark::State& state) {
+    std::size_t locked = 0;
+    on_fresh_blocks(state, PageKind::small,
+                    [&](std::byte* p) { locked = lock_region(platform::memory_system(), p, block_bytes); });
+    state.counters["locked %"] = 100.0 * static_cast<double>(locked) / static_cast<double>(block_bytes);
+}
+
+/// Calls work(block) on one block that is there.
+template <class Function>
+void on_touched_block(benchmark::State& state, Function&& work) {
+    platform::MemorySystem& system = platform::memory_system();
+    const platform::Mapping block = system.map(block_bytes, 4096, PageKind::small);
+    if (!block.base) return state.SkipWithError("no memory");
+    std::memset(block.data, 1, block_bytes);
+    for (auto _ : state) work(block.data);
+    set_rate(state);
+    system.release(block);
+}
+
+void warm_memset(benchmark::State& state) {
+    on_touched_block(state, [](std::byte* p) { std::memset(p, 1, block_bytes); });
+}
+
+void warm_touch(benchmark::State& state) {
+    on_touched_block(state, [](std::byte* p) { touch(p, block_bytes); });
+}
+
+/// Locking pages that are there.
+void lock_touched(benchmark::State& state) {
+    on_fresh_blocks(state, PageKind::small, [&](std::byte* p) {
+        state.PauseTiming();
+        std::memset(p, 1, block_bytes);
+        state.ResumeTiming();
+        lock_region(platform::memory_system(), p, block_bytes);
+    });
+}
+
+void ask_nodes(benchmark::State& state) {
+    on_touched_block(state, [](std::byte* p) {
+        benchmark::DoNotOptimize(count_node_bytes({}, platform::memory_system(), p, block_bytes));
+    });
+}
+
+BENCHMARK_CAPTURE(fresh_memset, small, PageKind::small)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(fresh_touch, small, PageKind::small)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(fresh_parallel_touch, small, PageKind::small)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(fresh_memset, large, PageKind::large_transparent)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(fresh_touch, large, PageKind::large_transparent)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(fresh_parallel_touch, large, PageKind::large_transparent)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(warm_memset)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(warm_touch)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(lock_fresh)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(lock_touched)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(ask_nodes)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();

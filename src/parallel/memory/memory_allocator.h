@@ -1,0 +1,62 @@
+#pragma once
+// The choice of an allocator for a computation's large blocks, with its settings.
+
+#include "app/console/status.h"
+#include "app/notation/node.h"
+#include "parallel/memory/allocation.h"
+#include "parallel/tasks/parallel_framework.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace zvp {
+
+class MemoryAllocator {
+public:
+    virtual ~MemoryAllocator() = default;
+
+    virtual std::string_view key() const = 0;
+    virtual std::string_view display_name() const = 0;
+
+    /// Gets what the process needs for the settings; false, after a warning, if it can't be had. To be called before a
+    /// computation; allocation is worth trying in any case.
+    virtual bool acquire_privileges() const = 0;
+
+    /// At least `bytes` of touched memory at a multiple of 2^alignment_bits, never null; one without a pointer is a
+    /// failure.
+    virtual std::unique_ptr<Allocation> allocate(const ParallelContext& context, unsigned alignment_bits,
+                                                 std::size_t bytes) const = 0;
+
+    /// "Allocator" and the settings, as they are saved.
+    virtual Object to_config_object() const = 0;
+
+    virtual std::unique_ptr<MemoryAllocator> clone() const = 0;
+
+    /// The same as to_config_object() for a report: a three-way setting is an object with its display text and colour.
+    virtual Object to_config_object_full() const = 0;
+
+    /// Prints the menu's rows from number `first_row` on and returns the next free number.
+    virtual std::uint32_t print_menu_rows(std::uint32_t first_row) const = 0;
+
+    /// Acts on the row of that index, from 0.
+    virtual void menu_select(std::uint32_t row) = 0;
+
+    /// What a computation calls: allocate(), with a line on the result appended to `log`. A failure stops the program
+    /// with exit code 1. 0 bytes give an empty allocation without asking the allocator.
+    std::unique_ptr<Allocation> allocate_or_stop(std::vector<StatusCell>& log, const ParallelContext& context,
+                                                 unsigned alignment_bits, std::size_t bytes) const;
+};
+
+/// The part of MemoryAllocator::acquire_privileges() for allocators that lock pages.
+bool acquire_lock_privilege(platform::MemorySystem& system);
+
+/// `bytes` rounded up to a multiple of `unit`, a power of two; 0 if that overflows.
+std::size_t round_up(std::size_t bytes, std::size_t unit);
+
+/// max(2^alignment_bits, unit); 0 if no address space holds such an alignment.
+std::size_t mapping_alignment(unsigned alignment_bits, std::size_t unit);
+
+} // namespace zvp

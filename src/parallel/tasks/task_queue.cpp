@@ -1,0 +1,193 @@
+#include "parallel/tasks/task_queue.h"
+
+#include "app/failure/exceptions.h"
+#include "platform/threads.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <system_error>
+
+namespace zvp {
+
+struct TaskQueue::QueuedTask {
+    QueuedTask(BasicAction& action, std::int64_t id_, std::uint32_t index_) : task(action), id(id_), index(index_) {}
+
+    WaitableAction task;
+    const std::int64_t id;
+    const std::uint32_t index;
+};
+
+namespace {
+
+/// A task of dispatch(): the handle owns the record.
+class QueueTaskHandle final : public BasicTaskHandle {
+public:
+    explicit QueueTaskHandle(BasicAction& action) : task(action) {}
+
+    void wait() override { task.wait(); }
+    void join() override { task.join(); }
+    bool wait_for(std::uint64_t milliseconds) override { return task.wait_for(milliseconds); }
+    bool join_for(std::uint64_t milliseconds) override { return task.join_for(milliseconds); }
+
+    WaitableAction task;
+};
+
+} // namespace
+
+TaskQueue::TaskQueue(std::uint32_t max_threads_, std::function<void(std::uint32_t)> start_)
+    : max_threads(max_threads_ == 0 ? std::numeric_limits<std::uint32_t>::max() : max_threads_),
+      start(std::move(start_)) {}
+
+TaskQueue::~TaskQueue() {
+    {
+        const std::lock_guard lock(mutex);
+        closed = true;
+    }
+    condition.notify_all();
+    for (std::thread& thread : threads) thread.join();
+}
+
+std::int64_t TaskQueue::first_id_in_front(std::uint32_t count) const {
+    if (queue.empty()) return 0;
+    const std::int64_t lowest = queue.begin()->first;
+    if (lowest < std::numeric_limits<std::int64_t>::min() + static_cast<std::int64_t>(count))
+        throw LimitExceededException("TaskQueue::push_back()", "ID limit exceeded.",
+                                     LimitExceededException::unknown_limit, count);
+    return lowest - static_cast<std::int64_t>(count);
+}
+
+/// Wakes idle workers for `count` tasks, and starts new ones for the rest as far as the limit allows.
+void TaskQueue::wake_or_start(std::uint32_t count) {
+    const std::uint32_t woken = std::min(idle - waking, count);
+    waking += woken;
+    for (std::uint32_t i = 0; i < woken; ++i) condition.notify_one();
+    for (std::uint32_t i = woken; i < count && threads.size() < max_threads; ++i) start_worker();
+}
+
+void TaskQueue::start_worker() {
+    const auto number = static_cast<std::uint32_t>(threads.size());
+    threads.emplace_back([this, number] { work(number); });
+}
+
+void TaskQueue::work(std::uint32_t number) {
+    const platform::FaultStack fault_stack;
+    start(number);
+    std::unique_lock lock(mutex);
+    for (;;) {
+        while (queue.empty()) {
+            if (closed) return;
+            ++idle;
+            condition.wait(lock);
+            --idle;
+            if (waking > 0) --waking;
+        }
+        const Entry entry = queue.begin()->second;
+        queue.erase(queue.begin());
+        lock.unlock();
+        entry.action->run(entry.index);
+        lock.lock();
+    }
+}
+
+bool TaskQueue::take_back(const QueuedTask& task) {
+    const std::lock_guard lock(mutex);
+    const auto found = queue.find(task.id);
+    if (found == queue.end() || found->second.action != &task.task) return false;
+    queue.erase(found);
+    return true;
+}
+
+void TaskQueue::run_unbegun(RecordList<QueuedTask>& tasks) {
+    for (std::uint32_t i = 0; i < tasks.size(); ++i)
+        if (take_back(tasks[i])) tasks[i].task.run(tasks[i].index);
+}
+
+namespace {
+
+/// At the end of a call that throws, what is still queued must run or leave the queue before its records go.
+template <class Function>
+class AtExit {
+public:
+    explicit AtExit(Function function_) : function(std::move(function_)) {}
+    ~AtExit() { function(); }
+    AtExit(const AtExit&) = delete;
+    AtExit& operator=(const AtExit&) = delete;
+
+private:
+    Function function;
+};
+
+} // namespace
+
+void TaskQueue::run_in_parallel(BasicAction& action, std::uint32_t low, std::uint32_t high) {
+    if (low >= high) return;
+    if (high - low == 1) return action.run(low);
+    const std::uint32_t count = high - low - 1;
+    RecordList<QueuedTask> tasks(count);
+    {
+        const std::lock_guard lock(mutex);
+        const std::int64_t first = first_id_in_front(count);
+        for (std::uint32_t i = 0; i < count; ++i) {
+            QueuedTask& task = tasks.add(action, first + i, low + 1 + i);
+            queue.emplace(task.id, Entry{&task.task, task.index});
+        }
+        try {
+            wake_or_start(count);
+        } catch (const std::system_error&) {
+            // Without a new thread the caller runs what nobody else does.
+        }
+    }
+    {
+        const AtExit take_back_what_is_left([&] { run_unbegun(tasks); });
+        action.run(low);
+    }
+    for (std::uint32_t i = 0; i < tasks.size(); ++i) tasks[i].task.join();
+}
+
+void TaskQueue::run_in_parallel(BasicAction& first, BasicAction& second) {
+    struct Pair final : BasicAction {
+        Pair(BasicAction& first_, BasicAction& second_) : first(first_), second(second_) {}
+        void run(std::uint32_t index) override { (index == 0 ? first : second).run(0); }
+        BasicAction& first;
+        BasicAction& second;
+    };
+    Pair pair(first, second);
+    run_in_parallel(pair, 0, 2);
+}
+
+void TaskQueue::dispatch(AsyncHandle& handle, BasicAction& action, std::uint32_t index) {
+    auto fresh = std::make_unique<QueueTaskHandle>(action);
+    WaitableAction& task = fresh->task;
+    handle.assign(nullptr);
+    try {
+        push_back(task, index);
+    } catch (...) {
+        task.cancel();
+        throw;
+    }
+    handle.assign(std::move(fresh));
+}
+
+void TaskQueue::push_back(BasicAction& action, std::uint32_t index) {
+    const std::lock_guard lock(mutex);
+    if (closed) throw InvalidParametersException("TaskQueue::push_back()", "Queue is closed.");
+    std::int64_t id = 0;
+    if (!queue.empty()) {
+        const std::int64_t highest = queue.rbegin()->first;
+        if (highest == std::numeric_limits<std::int64_t>::max())
+            throw LimitExceededException("TaskQueue::dispatch()", "ID limit exceeded.",
+                                         LimitExceededException::unknown_limit, 1);
+        id = highest + 1;
+    }
+    queue.emplace(id, Entry{&action, index});
+    try {
+        wake_or_start(1);
+    } catch (const std::system_error&) {
+        if (!threads.empty()) return; // those that run serve it
+        queue.erase(id);
+        throw;
+    }
+}
+
+} // namespace zvp
