@@ -49,7 +49,7 @@ void fresh_touch(benchmark::State& state, PageKind kind) {
 }
 
 void fresh_parallel_touch(benchmark::State& state, PageKind kind) {
-    PushPool pool({}, {});
+    PushPool pool({}, [](std::uint32_t) {});
     const auto tasks = static_cast<std::uint32_t>(8 * platform::usable_cores().size());
     on_fresh_blocks(state, kind, [&](std::byte* p) { touch_in_parallel({tasks, &pool}, p, block_bytes); });
 }

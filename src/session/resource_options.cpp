@@ -2,6 +2,7 @@
 
 #include "app/console/value_parsers.h"
 #include "app/failure/exceptions.h"
+#include "parallel/memory/allocator_registry.h"
 #include "parallel/tasks/parallelization_settings.h"
 
 #include <algorithm>
@@ -17,7 +18,10 @@ void require_swap_mode(const ResourceRequest& request, const CommandLine::Comman
 
 } // namespace
 
-void take_allocator(ResourceRequest& request, CommandLine::CommandLine& line) { request.allocator = line.take_value(); }
+void take_allocator(ResourceRequest& request, CommandLine::CommandLine& line) {
+    zvp::make_allocator(line.value()); // refuses a name that isn't one
+    request.allocator = line.take_value();
+}
 
 void take_framework(ResourceRequest& request, CommandLine::CommandLine& line) {
     zvp::make_framework_config(line.value()); // refuses a name that isn't one

@@ -11,6 +11,7 @@
 #include "app/menus/main_menu.h"
 #include "gateway/slave_action.h"
 #include "ioanalysis/benchio_action.h"
+#include "parallel/memory/allocator_registry.h"
 #include "parallel/tasks/framework_config.h"
 #include "platform/console_io.h"
 #include "platform/process.h"
@@ -37,6 +38,7 @@ void set_executable_path() {
 void build_tables() {
     zvp::exception_registry();
     zvp::framework_registry();
+    zvp::allocator_registry();
     global_options();
     action_table();
     config_actions();

@@ -164,7 +164,7 @@ TEST(AllocateOrStop, StopsTheProgram) {
             MmapAllocator(system).allocate_or_stop(log, {}, 12, 1'234'567);
         },
         testing::ExitedWithCode(1),
-        "\nLarge heap allocation failed.\n\nFailed Allocation   1,234,567 \\(1.18 MiB\\)\n\n$");
+        "\nLarge heap allocation failed.\n\nFailed Allocation   1,234,567 \\(1.18 MiB\\)\n\n");
 }
 
 TEST(Privileges, AreAskedForByTheSettings) {
