@@ -71,17 +71,18 @@ ProcessorPlace current_processor() {
 
 int set_thread_nice(int nice) { return setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), nice) == 0 ? 0 : errno; }
 
-FaultStack::FaultStack() : stack(new std::byte[bytes]) {
+struct FaultStack::Storage {
+    stack_t before;
+    alignas(64) std::byte bytes[65'536];
+};
+
+FaultStack::FaultStack() : storage(std::make_unique_for_overwrite<Storage>()) {
     stack_t description{};
-    description.ss_sp = stack.get();
-    description.ss_size = bytes;
-    sigaltstack(&description, nullptr);
+    description.ss_sp = storage->bytes;
+    description.ss_size = sizeof storage->bytes;
+    sigaltstack(&description, &storage->before);
 }
 
-FaultStack::~FaultStack() {
-    stack_t description{};
-    description.ss_flags = SS_DISABLE;
-    sigaltstack(&description, nullptr);
-}
+FaultStack::~FaultStack() { sigaltstack(&storage->before, nullptr); }
 
 } // namespace zvp::platform

@@ -50,8 +50,8 @@ public:
     FaultStack& operator=(const FaultStack&) = delete;
 
 private:
-    static constexpr std::size_t bytes = 65'536;
-    std::unique_ptr<std::byte[]> stack;
+    struct Storage; // the stack, and the one that the thread had before
+    std::unique_ptr<Storage> storage;
 };
 
 } // namespace zvp::platform

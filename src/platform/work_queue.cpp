@@ -4,7 +4,6 @@
 
 #include <condition_variable>
 #include <mutex>
-#include <system_error>
 #include <thread>
 
 namespace zvp::platform {
@@ -16,12 +15,11 @@ public:
         std::unique_lock lock(mutex);
         item.state.store(WorkItem::queued, std::memory_order_relaxed);
         push(item);
-        if (idle_threads > 0) {
-            lock.unlock();
-            condition.notify_one();
-        } else if (threads < usable_cores().size()) {
-            start_thread();
-        }
+        // A thread that was notified stays idle until it gets the mutex, so that the queue's length decides.
+        if (queued_items > idle_threads && threads < usable_cores().size()) start_thread();
+        const bool wakes = idle_threads > 0;
+        lock.unlock();
+        if (wakes) condition.notify_one();
     }
 
     void wait(WorkItem& item) {
@@ -59,19 +57,21 @@ private:
         item.next = newest;
         if (newest) newest->previous = &item;
         newest = &item;
+        ++queued_items;
     }
 
     void remove(WorkItem& item) {
         (item.previous ? item.previous->next : newest) = item.next;
         if (item.next) item.next->previous = item.previous;
+        --queued_items;
     }
 
     void start_thread() {
         try {
             std::thread([this] { work(); }).detach();
             ++threads;
-        } catch (const std::system_error&) {
-            // Whoever waits for the work runs it.
+        } catch (...) {
+            // No thread, or no memory for one: whoever waits for the work runs it.
         }
     }
 
@@ -101,6 +101,7 @@ private:
     WorkItem* newest = nullptr;
     std::size_t threads = 0;
     std::size_t idle_threads = 0;
+    std::size_t queued_items = 0;
 };
 
 namespace {

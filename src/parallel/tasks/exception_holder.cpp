@@ -7,11 +7,12 @@
 namespace zvp {
 
 ExceptionHolder::~ExceptionHolder() {
-    if (!checked && std::uncaught_exceptions() == 0) fatal_stop("Exceptions not handled!");
+    if (!checked && !unwinding()) fatal_stop("Exceptions not handled!");
     delete stored.load();
 }
 
 void ExceptionHolder::capture_current() noexcept {
+    if (!std::current_exception()) return;
     auto captured = std::make_unique<std::exception_ptr>(std::current_exception());
     std::exception_ptr* none = nullptr;
     if (stored.compare_exchange_strong(none, captured.get())) captured.release();
@@ -19,7 +20,7 @@ void ExceptionHolder::capture_current() noexcept {
 
 void ExceptionHolder::rethrow_if_any() {
     const std::exception_ptr* kept = stored.load();
-    if (kept && std::uncaught_exceptions() == 0) std::rethrow_exception(*kept);
+    if (kept && !unwinding()) std::rethrow_exception(*kept);
 }
 
 } // namespace zvp

@@ -19,7 +19,8 @@ public:
     /// Keeps the exception in flight, unless one is kept already. To be called inside a catch block.
     void capture_current() noexcept;
 
-    /// Throws the kept exception, if there is one and no other is unwinding on this thread.
+    /// Throws the kept exception, if there is one and no other has begun to unwind on this thread since the holder was
+    /// made. (A task may run, and its nested calls may fail, while an outer call is unwinding.)
     void rethrow_if_any();
 
     void mark_checked() noexcept { checked = true; }
@@ -31,6 +32,9 @@ public:
     }
 
 private:
+    bool unwinding() const noexcept { return std::uncaught_exceptions() > uncaught_at_start; }
+
+    const int uncaught_at_start = std::uncaught_exceptions();
     bool checked = false;
     std::atomic<std::exception_ptr*> stored{nullptr};
 };

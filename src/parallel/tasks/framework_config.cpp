@@ -10,7 +10,7 @@
 #include "parallel/tasks/simple_frameworks.h"
 #include "parallel/tasks/task_queue.h"
 #include "parallel/topology/thread_placement.h"
-#include "parallel/topology/topology.h"
+#include "platform/topology.h"
 
 #include <algorithm>
 #include <limits>
@@ -60,14 +60,14 @@ public:
     std::string shown_value() const override { return format_number(value, NumberForm::commas); }
     void select() override {
         print_line("    This parameter puts a limit on the maximum number of tasks that can be\n"
-                   "    issued sequentially before a recursive fan-out is required. This controls the\n"
-                   "    exponential fan-out of tasks onto threads.\n"
+                   "issued sequentially before a recursive fan-out is required. This controls the\n"
+                   "exponential fan-out of tasks onto threads.\n"
                    "\n"
-                   "    Smaller values have shorter critical paths, but require more recursive dispatch\n"
-                   "    generations to reach full utilization.\n"
+                   "Smaller values have shorter critical paths, but require more recursive dispatch\n"
+                   "generations to reach full utilization.\n"
                    "\n"
-                   "    Larger values have longer critical paths in each generation, but require fewer\n"
-                   "    recursive dispatch generations.\n");
+                   "Larger values have longer critical paths in each generation, but require fewer\n"
+                   "recursive dispatch generations.\n");
         value = std::max(min_sequential_dispatch,
                          prompt_int("Value = ", 0, std::numeric_limits<std::uint32_t>::max(), 'T'));
     }
@@ -261,7 +261,8 @@ std::unique_ptr<ParallelFrameworkConfig> make_framework_config(std::string_view 
 }
 
 std::unique_ptr<ParallelFrameworkConfig> default_framework_config(std::uint32_t logical_cores) {
-    return make_framework_config(logical_cores >= 16 && topology().groups.size() == 1 ? "winpool" : "pushpool");
+    return make_framework_config(logical_cores >= 16 && platform::machine_topology().groups.size() == 1 ? "winpool"
+                                                                                                        : "pushpool");
 }
 
 } // namespace zvp

@@ -97,7 +97,7 @@ std::uint32_t default_task_decomposition(std::uint32_t logical_cores) {
 SweepSplit split_sweep(std::size_t length, std::size_t threshold, std::uint32_t tds, std::uint32_t cap,
                        std::size_t min_block, std::size_t alignment) {
     const std::uint32_t most = std::min(tds, cap);
-    if (length < threshold || most <= 1) return {length == 0 ? 0u : 1u, length};
+    if (length == 0 || length < threshold || most <= 1) return {length == 0 ? 0u : 1u, length};
     const auto round_up = [](std::size_t x, std::size_t unit) { return (x + unit - 1) / unit * unit; };
     const std::size_t share = (length + most - 1) / most;
     const std::size_t block = round_up(std::max(share, min_block), alignment);

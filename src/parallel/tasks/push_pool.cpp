@@ -1,5 +1,6 @@
 #include "parallel/tasks/push_pool.h"
 
+#include "app/console/console.h"
 #include "parallel/tasks/range_dispatch.h"
 #include "parallel/tasks/task_handle.h"
 #include "platform/clock.h"
@@ -7,7 +8,7 @@
 
 #include <bit>
 #include <condition_variable>
-#include <system_error>
+#include <exception>
 
 namespace zvp {
 
@@ -29,8 +30,12 @@ public:
     void launch(std::uint32_t number, const std::function<void(std::uint32_t)>& start_function) {
         thread = std::thread([this, number, &start_function] {
             const platform::FaultStack fault_stack;
-            start_function(number);
-            work();
+            try {
+                start_function(number);
+                work();
+            } catch (...) { // the pool's own tasks keep their exceptions
+                fatal_stop("PushPoolWorker: An exception was thrown from a task.");
+            }
         });
     }
 
@@ -153,11 +158,11 @@ bool PushPool::add_worker(std::uint32_t most) {
     const std::uint32_t number = count;
     if (number >= most) return false;
     const auto bucket = static_cast<std::size_t>(std::bit_width(number));
-    if (!buckets[bucket])
-        buckets[bucket] = std::make_unique<Worker[]>(bucket == 0 ? 1 : std::size_t{1} << (bucket - 1));
     try {
+        if (!buckets[bucket])
+            buckets[bucket] = std::make_unique<Worker[]>(bucket == 0 ? 1 : std::size_t{1} << (bucket - 1));
         worker(number).launch(number, start);
-    } catch (const std::system_error&) {
+    } catch (const std::exception&) { // no thread, or no memory for one
         return false;
     }
     if (mask == number) mask = 2 * mask + 1;

@@ -31,7 +31,7 @@ template <class Record>
 class RecordList {
 public:
     explicit RecordList(std::uint32_t capacity) {
-        if (capacity > in_place) heap = std::make_unique<Slot[]>(capacity);
+        if (capacity > in_place) heap = std::make_unique_for_overwrite<Slot[]>(capacity);
     }
     ~RecordList() {
         while (count > 0) (*this)[--count].~Record();

@@ -106,6 +106,7 @@ bool AsyncHandle::join_for(std::uint64_t milliseconds) {
 }
 
 void dispatch_async(AsyncHandle& handle, BasicAction& action, std::uint32_t index) {
+    handle.assign(nullptr); // the old task ends before the new one begins
     handle.assign(
         std::make_unique<FutureTaskHandle>(std::async(std::launch::async, [&action, index] { action.run(index); })));
 }

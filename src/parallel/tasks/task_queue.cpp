@@ -62,7 +62,7 @@ void TaskQueue::wake_or_start(std::uint32_t count) {
     const std::uint32_t woken = std::min(idle - waking, count);
     waking += woken;
     for (std::uint32_t i = 0; i < woken; ++i) condition.notify_one();
-    for (std::uint32_t i = woken; i < count && threads.size() < max_threads; ++i) start_worker();
+    for (std::uint32_t i = woken; i < count && threads.size() < max_threads && !closed; ++i) start_worker();
 }
 
 void TaskQueue::start_worker() {
@@ -125,23 +125,31 @@ void TaskQueue::run_in_parallel(BasicAction& action, std::uint32_t low, std::uin
     if (high - low == 1) return action.run(low);
     const std::uint32_t count = high - low - 1;
     RecordList<QueuedTask> tasks(count);
+    bool taken_back = false;
+    const AtExit take_back_what_is_left([&] {
+        if (!taken_back) run_unbegun(tasks);
+    });
     {
         const std::lock_guard lock(mutex);
         const std::int64_t first = first_id_in_front(count);
         for (std::uint32_t i = 0; i < count; ++i) {
             QueuedTask& task = tasks.add(action, first + i, low + 1 + i);
-            queue.emplace(task.id, Entry{&task.task, task.index});
+            try {
+                queue.emplace(task.id, Entry{&task.task, task.index});
+            } catch (...) {
+                task.task.cancel();
+                throw;
+            }
         }
         try {
             wake_or_start(count);
-        } catch (const std::system_error&) {
-            // Without a new thread the caller runs what nobody else does.
+        } catch (...) {
+            // No thread, or no memory for one: the caller runs what nobody else does.
         }
     }
-    {
-        const AtExit take_back_what_is_left([&] { run_unbegun(tasks); });
-        action.run(low);
-    }
+    action.run(low);
+    run_unbegun(tasks);
+    taken_back = true;
     for (std::uint32_t i = 0; i < tasks.size(); ++i) tasks[i].task.join();
 }
 
@@ -183,7 +191,7 @@ void TaskQueue::push_back(BasicAction& action, std::uint32_t index) {
     queue.emplace(id, Entry{&action, index});
     try {
         wake_or_start(1);
-    } catch (const std::system_error&) {
+    } catch (...) {
         if (!threads.empty()) return; // those that run serve it
         queue.erase(id);
         throw;

@@ -90,17 +90,6 @@ TEST(AllocatorConfig, RegistryAndDefaults) {
     EXPECT_GE(interleave->to_config_object().get_array("Nodes").size(), 1u);
 }
 
-TEST(AllocatorMenu, SelectsAnAllocator) {
-    std::unique_ptr<MemoryAllocator> chosen;
-    const std::string output = printed_with_input("7\n1\n", [&] { chosen = select_allocator(); });
-    EXPECT_EQ(output, "\n\nSelect a Memory Allocator:\n\n"
-                      "   0    C malloc()\n"
-                      "   1    WinAPI VirtualAlloc()\n"
-                      "   2    Node Interleaving\n"
-                      "\noption: option: ");
-    EXPECT_EQ(chosen->key(), "mmap");
-}
-
 TEST(AllocatorMenu, RowsShowAndChangeTheSettings) {
     MmapAllocator pages;
     pages.menu_select(0);

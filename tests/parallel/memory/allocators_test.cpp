@@ -139,20 +139,6 @@ TEST(MmapAllocator, CountsRealTransparentPages) {
     EXPECT_EQ(second->record->large_bytes, 6 * mib);
 }
 
-TEST(AllocateOrStop, LogsOneLine) {
-    test::FakeMemory system;
-    MmapAllocator allocator(system);
-    std::vector<StatusCell> log;
-    const auto none = allocator.allocate_or_stop(log, {}, 12, 0);
-    EXPECT_EQ(none->pointer, nullptr);
-    EXPECT_EQ(none->bytes, 0u);
-    const auto some = allocator.allocate_or_stop(log, {}, 12, mib);
-    EXPECT_NE(some->pointer, nullptr);
-    ASSERT_EQ(log.size(), 2u);
-    EXPECT_EQ(log[0].text, "0");
-    EXPECT_EQ(log[1].text, "1.00 MiB  (locked, spread: 100.0%/1)");
-}
-
 TEST(AllocateOrStop, StopsTheProgram) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(

@@ -37,14 +37,6 @@ TEST(Touch, FillsExactlyItsRegion) {
         }
 }
 
-TEST(Touch, ThreeBytesWithoutAWord) {
-    alignas(4) std::byte region[4]{};
-    touch(region + 1, 3);
-    EXPECT_EQ(region[1], std::byte{0x7B});
-    EXPECT_EQ(region[2], std::byte{0});
-    EXPECT_EQ(region[3], std::byte{0x40});
-}
-
 TEST(Touch, TasksTakeAQuarterOfTheDecomposition) {
     SpawnFramework threads(64);
     std::vector<std::byte> got(1000), expected(1000);
@@ -87,16 +79,6 @@ TEST(Residency, CountsTheBytesOfPartialPages) {
     EXPECT_EQ(count_node_bytes({}, system, region, 0), NodeBytes{});
     system.query_error = EPERM;
     EXPECT_EQ(count_node_bytes({}, system, region, sizeof region), NodeBytes{});
-}
-
-TEST(Residency, FindsRealPages) {
-    std::vector<std::byte> block(3 << 20);
-    touch(block.data(), block.size());
-    std::uint64_t sum = 0;
-    for (const auto& [node, bytes] : count_node_bytes({}, platform::memory_system(), block.data(), block.size()))
-        sum += bytes;
-    if (sum == 0) GTEST_SKIP() << "the system doesn't tell the nodes of pages";
-    EXPECT_EQ(sum, block.size());
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "parallel/tasks/range_dispatch.h"
 #include "parallel/tasks/simple_frameworks.h"
 #include "parallel/tasks/task_queue.h"
+#include "platform/threads.h"
 
 #include <gtest/gtest.h>
 
@@ -192,6 +193,17 @@ TEST_P(Frameworks, APairThatThrowsHasRunBoth) {
     EXPECT_EQ(ran, 64u);
 }
 
+TEST_P(Frameworks, ANestedCallFailsAlsoWhileAnOuterOneUnwinds) {
+    std::atomic<bool> returned_normally{false};
+    Action fails([](std::uint32_t) { throw 1; });
+    Action nests([&](std::uint32_t) {
+        framework->run_in_parallel(fails, fails);
+        returned_normally = true;
+    });
+    for (int i = 0; i < 20; ++i) EXPECT_THROW(framework->run_in_parallel(fails, nests), int);
+    EXPECT_FALSE(returned_normally);
+}
+
 INSTANTIATE_TEST_SUITE_P(Every, Frameworks, testing::ValuesIn(framework_cases()),
                          [](const auto& framework_case) { return framework_case.param.name; });
 
@@ -219,6 +231,20 @@ TEST(PushPool, GrowsOnlyAsItsSettingsAllow) {
     });
     unbounded.run_in_parallel(meet, 0, before + 5);
     EXPECT_GE(unbounded.worker_count(), before + 4);
+}
+
+TEST(WorkQueue, ABurstWakesAsManyThreadsAsItNeeds) {
+    const auto cores = static_cast<std::uint32_t>(platform::usable_cores().size());
+    WorkQueueFramework framework(64);
+    Action first([](std::uint32_t) {});
+    framework.run_in_parallel(first, 0, 2); // leaves one thread, soon idle
+    std::atomic<std::uint32_t> waiting{0};
+    Action meet([&](std::uint32_t) { // ends only if all run at once: the caller and a thread for each core
+        ++waiting;
+        while (waiting <= cores) std::this_thread::yield();
+    });
+    framework.run_in_parallel(meet, 0, cores + 1);
+    EXPECT_EQ(waiting, cores + 1);
 }
 
 TEST(TaskQueue, DispatchedTasksRunBehindAndTellTheirFailure) {

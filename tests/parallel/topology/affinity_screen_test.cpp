@@ -77,12 +77,4 @@ TEST(AffinityScreen, AnEntryDoesTheWrongThing) {
     EXPECT_TRUE(group.empty());
 }
 
-TEST(AffinityScreen, TheMenuRowMiscounts) {
-    const CoreMap map(test::machine_of({6}));
-    SchedulingGroup group(map);
-    EXPECT_EQ(affinity_row(group), "    Worker Thread Affinity:  Don't set affinities.");
-    (group |= 1) |= 4;
-    EXPECT_EQ(affinity_row(group), "    Worker Thread Affinity:  2 logical cores");
-}
-
 } // namespace

@@ -74,20 +74,6 @@ TEST(SchedulingGroup, AMaskWithoutACoreIsBound) {
     EXPECT_EQ(group.cores(), (CoreSet{5, 6}));
 }
 
-TEST(SchedulingGroup, TheMaskIsCutAtAMachineWord) {
-    for (const unsigned cores : {1u, 63u, 64u, 65u, 128u, 130u, 1000u}) {
-        std::string expected = std::string(cores / 4, 'f');
-        if (cores % 4 != 0) expected.insert(0, 1, "0137"[cores % 4]);
-        const CoreMap map(test::machine_of({cores}));
-        SchedulingGroup group(map);
-        for (unsigned core = cores; core-- > 0;) group |= core;
-        EXPECT_EQ(shown(group), "Group: 0 - Mask: " + expected);
-        for (unsigned core = 1; core < cores; ++core) group ^= core;
-        EXPECT_EQ(shown(group), "Group: 0 - Mask: 1");
-        EXPECT_EQ(group.mask(), ProcessorMask({0}));
-    }
-}
-
 TEST(SchedulingGroup, ItsArrayDoesNotReadBack) {
     SchedulingGroup group(two_groups());
     EXPECT_EQ(group.to_array().size(), 0u);
