@@ -78,6 +78,17 @@ void dispatch_range(Framework& framework, std::uint32_t limit, BasicAction& acti
     for (std::uint32_t i = 0; i < records.size(); ++i) records[i].finish();
 }
 
+/// A pair as a range of two tasks.
+class PairAction final : public BasicAction {
+public:
+    PairAction(BasicAction& first_, BasicAction& second_) : first(first_), second(second_) {}
+    void run(std::uint32_t index) override { (index == 0 ? first : second).run(0); }
+
+private:
+    BasicAction& first;
+    BasicAction& second;
+};
+
 /// Runs first.run(0) here and second.run(0) as a record.
 template <class Record, class Framework>
 void dispatch_pair(Framework& framework, BasicAction& first, BasicAction& second) {

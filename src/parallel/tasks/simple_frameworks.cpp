@@ -57,13 +57,7 @@ void AsyncFramework::run_in_parallel(BasicAction& action, std::uint32_t low, std
 }
 
 void AsyncFramework::run_in_parallel(BasicAction& first, BasicAction& second) {
-    struct Pair final : BasicAction {
-        Pair(BasicAction& first_, BasicAction& second_) : first(first_), second(second_) {}
-        void run(std::uint32_t index) override { (index == 0 ? first : second).run(0); }
-        BasicAction& first;
-        BasicAction& second;
-    };
-    Pair pair(first, second);
+    PairAction pair(first, second);
     run_in_parallel(pair, 0, 2);
 }
 
