@@ -49,7 +49,7 @@ std::vector<Case> all_cases() {
                             cases.push_back({expected, kernels, formula, modes, threads, pin});
                 cases.push_back({at_999999, kernels, formula, modes, 2, true});
             }
-            cases.push_back({at_9999999, kernels, formula, "AB", 2, false});
+            for (const char* modes : {"AB", "B"}) cases.push_back({at_9999999, kernels, formula, modes, 2, false});
         }
     }
     return cases;
