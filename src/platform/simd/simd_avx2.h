@@ -21,6 +21,7 @@ struct VecI {
     ZVP_KERNEL_INLINE friend VecI operator+(VecI a, VecI b) { return {_mm256_add_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator-(VecI a, VecI b) { return {_mm256_sub_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator&(VecI a, VecI b) { return {_mm256_and_si256(a.v, b.v)}; }
+    ZVP_KERNEL_INLINE friend VecI operator|(VecI a, VecI b) { return {_mm256_or_si256(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI shift_left(VecI a, int bits) {
         return {_mm256_sll_epi64(a.v, _mm_cvtsi32_si128(bits))};
     }
@@ -55,6 +56,51 @@ struct VecD {
     /// The bit patterns as integers, and back.
     ZVP_KERNEL_INLINE VecI bits() const { return {_mm256_castpd_si256(v)}; }
     ZVP_KERNEL_INLINE static VecD from_bits(VecI a) { return {_mm256_castsi256_pd(a.v)}; }
+};
+
+/// Transposes the square of the vectors' lanes.
+ZVP_KERNEL_INLINE void transpose(VecD (&r)[4]) {
+    const __m256d a = _mm256_unpacklo_pd(r[0].v, r[1].v), b = _mm256_unpackhi_pd(r[0].v, r[1].v);
+    const __m256d c = _mm256_unpacklo_pd(r[2].v, r[3].v), d = _mm256_unpackhi_pd(r[2].v, r[3].v);
+    r[0].v = _mm256_permute2f128_pd(a, c, 0x20);
+    r[1].v = _mm256_permute2f128_pd(b, d, 0x20);
+    r[2].v = _mm256_permute2f128_pd(a, c, 0x31);
+    r[3].v = _mm256_permute2f128_pd(b, d, 0x31);
+}
+
+/// Reads runs of 8 neighbouring bit fields of one width, little-endian, as doubles.
+class BitFields {
+public:
+    static constexpr std::size_t fields = 8;
+
+    /// width: 1 to 21 bits.
+    ZVP_KERNEL_INLINE explicit BitFields(unsigned width) {
+        alignas(64) std::uint8_t bytes[32];
+        alignas(64) std::uint32_t shifts[8];
+        for (unsigned i = 0; i < 8; ++i) {
+            const unsigned bit = i < 4 ? i * width : i * width - width / 2 * 8;
+            for (unsigned b = 0; b < 4; ++b) bytes[4 * i + b] = static_cast<std::uint8_t>(bit / 8 + b);
+            shifts[i] = bit % 8;
+        }
+        pick = _mm256_load_si256(reinterpret_cast<const __m256i*>(bytes));
+        shift = _mm256_load_si256(reinterpret_cast<const __m256i*>(shifts));
+        mask = _mm256_set1_epi32((1 << width) - 1);
+        upper = width / 2;
+    }
+
+    /// The fields that begin at p, which is read up to 32 bytes on.
+    ZVP_KERNEL_INLINE void read(const std::byte* p, VecD (&out)[2]) const {
+        const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + upper));
+        const __m256i words = _mm256_shuffle_epi8(_mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1), pick);
+        const __m256i values = _mm256_and_si256(_mm256_srlv_epi32(words, shift), mask);
+        out[0].v = _mm256_cvtepi32_pd(_mm256_castsi256_si128(values));
+        out[1].v = _mm256_cvtepi32_pd(_mm256_extracti128_si256(values, 1));
+    }
+
+private:
+    __m256i pick, shift, mask;
+    std::size_t upper;
 };
 
 } // namespace zvp::avx2

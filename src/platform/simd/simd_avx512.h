@@ -21,6 +21,7 @@ struct VecI {
     ZVP_KERNEL_INLINE friend VecI operator+(VecI a, VecI b) { return {_mm512_add_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator-(VecI a, VecI b) { return {_mm512_sub_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator&(VecI a, VecI b) { return {_mm512_and_si512(a.v, b.v)}; }
+    ZVP_KERNEL_INLINE friend VecI operator|(VecI a, VecI b) { return {_mm512_or_si512(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI shift_left(VecI a, int bits) {
         return {_mm512_sll_epi64(a.v, _mm_cvtsi32_si128(bits))};
     }
@@ -55,6 +56,59 @@ struct VecD {
     /// The bit patterns as integers, and back.
     ZVP_KERNEL_INLINE VecI bits() const { return {_mm512_castpd_si512(v)}; }
     ZVP_KERNEL_INLINE static VecD from_bits(VecI a) { return {_mm512_castsi512_pd(a.v)}; }
+};
+
+/// Transposes the square of the vectors' lanes.
+ZVP_KERNEL_INLINE void transpose(VecD (&r)[8]) {
+    __m512d p[8], q[8];
+    for (int i = 0; i < 8; i += 2) {
+        p[i] = _mm512_unpacklo_pd(r[i].v, r[i + 1].v);
+        p[i + 1] = _mm512_unpackhi_pd(r[i].v, r[i + 1].v);
+    }
+    const __m512i even = _mm512_setr_epi64(0, 1, 8, 9, 4, 5, 12, 13),
+                  odd = _mm512_setr_epi64(2, 3, 10, 11, 6, 7, 14, 15);
+    for (int half = 0; half < 2; ++half)
+        for (int i = 0; i < 2; ++i) {
+            q[4 * half + i] = _mm512_permutex2var_pd(p[4 * half + i], even, p[4 * half + i + 2]);
+            q[4 * half + i + 2] = _mm512_permutex2var_pd(p[4 * half + i], odd, p[4 * half + i + 2]);
+        }
+    for (int i = 0; i < 4; ++i) {
+        r[i].v = _mm512_shuffle_f64x2(q[i], q[i + 4], 0x44);
+        r[i + 4].v = _mm512_shuffle_f64x2(q[i], q[i + 4], 0xEE);
+    }
+}
+
+/// Reads runs of 8 neighbouring bit fields of one width, little-endian, as doubles.
+class BitFields {
+public:
+    static constexpr std::size_t fields = 8;
+
+    /// width: 1 to 21 bits.
+    ZVP_KERNEL_INLINE explicit BitFields(unsigned width) {
+        alignas(64) std::uint8_t bytes[32];
+        alignas(64) std::uint32_t shifts[8];
+        for (unsigned i = 0; i < 8; ++i) {
+            const unsigned bit = i < 4 ? i * width : i * width - width / 2 * 8;
+            for (unsigned b = 0; b < 4; ++b) bytes[4 * i + b] = static_cast<std::uint8_t>(bit / 8 + b);
+            shifts[i] = bit % 8;
+        }
+        pick = _mm256_load_si256(reinterpret_cast<const __m256i*>(bytes));
+        shift = _mm256_load_si256(reinterpret_cast<const __m256i*>(shifts));
+        mask = _mm256_set1_epi32((1 << width) - 1);
+        upper = width / 2;
+    }
+
+    /// The fields that begin at p, which is read up to 32 bytes on.
+    ZVP_KERNEL_INLINE void read(const std::byte* p, VecD (&out)[1]) const {
+        const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + upper));
+        const __m256i words = _mm256_shuffle_epi8(_mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1), pick);
+        out[0].v = _mm512_cvtepi32_pd(_mm256_and_si256(_mm256_srlv_epi32(words, shift), mask));
+    }
+
+private:
+    __m256i pick, shift, mask;
+    std::size_t upper;
 };
 
 } // namespace zvp::avx512

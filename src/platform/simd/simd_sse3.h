@@ -4,6 +4,8 @@
 
 #include "platform/simd/intrinsics.h"
 
+#include <cstring>
+
 namespace zvp::sse3 {
 
 /// 64-bit integers, wrapping.
@@ -21,6 +23,7 @@ struct VecI {
     ZVP_KERNEL_INLINE friend VecI operator+(VecI a, VecI b) { return {_mm_add_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator-(VecI a, VecI b) { return {_mm_sub_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI operator&(VecI a, VecI b) { return {_mm_and_si128(a.v, b.v)}; }
+    ZVP_KERNEL_INLINE friend VecI operator|(VecI a, VecI b) { return {_mm_or_si128(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecI shift_left(VecI a, int bits) { return {_mm_sll_epi64(a.v, _mm_cvtsi32_si128(bits))}; }
     ZVP_KERNEL_INLINE friend VecI shift_right(VecI a, int bits) {
         return {_mm_srl_epi64(a.v, _mm_cvtsi32_si128(bits))};
@@ -41,6 +44,10 @@ struct VecD {
     ZVP_KERNEL_INLINE friend VecD operator-(VecD a, VecD b) { return {_mm_sub_pd(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecD operator*(VecD a, VecD b) { return {_mm_mul_pd(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecD operator/(VecD a, VecD b) { return {_mm_div_pd(a.v, b.v)}; }
+    /// a * b + c, a * b - c and c - a * b; without fused operations in this set, each rounded twice.
+    ZVP_KERNEL_INLINE friend VecD fmadd(VecD a, VecD b, VecD c) { return a * b + c; }
+    ZVP_KERNEL_INLINE friend VecD fmsub(VecD a, VecD b, VecD c) { return a * b - c; }
+    ZVP_KERNEL_INLINE friend VecD fnmadd(VecD a, VecD b, VecD c) { return c - a * b; }
     /// value where a == b, else 0.
     ZVP_KERNEL_INLINE friend VecD select_equal(VecD a, VecD b, VecD value) {
         return {_mm_and_pd(_mm_cmpeq_pd(a.v, b.v), value.v)};
@@ -49,6 +56,38 @@ struct VecD {
     /// The bit patterns as integers, and back.
     ZVP_KERNEL_INLINE VecI bits() const { return {_mm_castpd_si128(v)}; }
     ZVP_KERNEL_INLINE static VecD from_bits(VecI a) { return {_mm_castsi128_pd(a.v)}; }
+};
+
+/// Transposes the square of the vectors' lanes.
+ZVP_KERNEL_INLINE void transpose(VecD (&r)[2]) {
+    const __m128d first = r[0].v;
+    r[0].v = _mm_unpacklo_pd(first, r[1].v);
+    r[1].v = _mm_unpackhi_pd(first, r[1].v);
+}
+
+/// Reads runs of 8 neighbouring bit fields of one width, little-endian, as doubles.
+class BitFields {
+public:
+    static constexpr std::size_t fields = 8;
+
+    /// width: 1 to 21 bits.
+    ZVP_KERNEL_INLINE explicit BitFields(unsigned width_) : width(width_), mask((1u << width_) - 1) {}
+
+    /// The fields that begin at p, which is read up to 32 bytes on.
+    ZVP_KERNEL_INLINE void read(const std::byte* p, VecD (&out)[4]) const {
+        for (unsigned i = 0; i < 4; ++i)
+            out[i].v = _mm_cvtepi32_pd(_mm_setr_epi32(field(p, 2 * i), field(p, 2 * i + 1), 0, 0));
+    }
+
+private:
+    ZVP_KERNEL_INLINE int field(const std::byte* p, unsigned i) const {
+        std::uint32_t word;
+        std::memcpy(&word, p + i * width / 8, sizeof word);
+        return static_cast<int>(word >> i * width % 8 & mask);
+    }
+
+    unsigned width;
+    std::uint32_t mask;
 };
 
 } // namespace zvp::sse3

@@ -1,0 +1,177 @@
+#include "multiply/fft/fft_tables.h"
+
+#include "app/failure/exceptions.h"
+#include "multiply/fft/root_of_unity.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace zvp {
+
+namespace {
+
+constexpr std::array<unsigned, 3> family_m{1, 3, 5};
+constexpr std::size_t pass_doubles = 8; // roots of one node
+constexpr std::size_t front_doubles = 8;
+
+unsigned family_index(unsigned m) { return m / 2; }
+
+unsigned log2_of(std::uint64_t power) { return static_cast<unsigned>(std::countr_zero(power)); }
+
+std::uint64_t reverse_bits(std::uint64_t k, unsigned bits) {
+    std::uint64_t reversed = 0;
+    for (unsigned i = 0; i < bits; ++i) reversed |= (k >> i & 1) << (bits - 1 - i);
+    return reversed;
+}
+
+/// Writes the roots of a family's nodes.
+class RootWriter {
+public:
+    /// Roots down to those that a pass at `deepest` needs.
+    RootWriter(unsigned m_, unsigned deepest) : m(m_), order_log(deepest + 3), root(m_, order_log) {}
+
+    /// The family's first root to the powers 1 .. m - 1.
+    void front(double* out) const {
+        for (unsigned t = 1; t < m; ++t) put(root(std::uint64_t{t} << order_log), out + 2 * (t - 1), 1);
+    }
+
+    /// The roots for `radix` of one node, each part `stride` doubles behind the other's.
+    void node(unsigned level, std::uint64_t node, unsigned radix, double* out, std::size_t stride) const {
+        const std::uint64_t k = node & ((std::uint64_t{1} << level) - 1), r = node >> level;
+        const std::uint64_t f = 1 + 4 * r + 4 * m * reverse_bits(k, level); // in units of 1 / (4 m 2^level)
+        const unsigned unit = order_log - level;                            // 1 / (4 m 2^level) = 2^unit / order
+        put(root(f << (unit - 1)), out, stride);
+        if (radix >= 4) put(root(f << (unit - 2)), out + 2 * stride, stride);
+        if (radix >= 8) {
+            const std::uint64_t w = f << (unit - 3), eighth = std::uint64_t{4 * m} << (order_log - 3);
+            put(root(w), out + 4 * stride, stride);
+            put(root(w + eighth), out + 6 * stride, stride);
+        }
+    }
+
+private:
+    static void put(std::complex<double> value, double* out, std::size_t stride) {
+        out[0] = value.real();
+        out[stride] = value.imag();
+    }
+
+    std::uint64_t m;
+    unsigned order_log;
+    RootOfUnity root;
+};
+
+void write_pass(const RootWriter& writer, unsigned m, unsigned level, double* out) {
+    for (std::uint64_t node = 0; node < std::uint64_t{m} << level; ++node)
+        writer.node(level, node, 8, out + pass_doubles * node, 1);
+}
+
+/// One base: the roots of its own node, then those of its children, lane by lane.
+void write_bases(const RootWriter& writer, unsigned m, unsigned level, unsigned lanes, double* out) {
+    for (std::uint64_t node = 0; node < std::uint64_t{m} << level; ++node) {
+        writer.node(level, node, lanes, out, 1);
+        out += lanes;
+        for (unsigned lane = 0; lane < lanes; ++lane)
+            writer.node(level + log2_of(lanes), node * lanes + lane, lanes, out + lane, lanes);
+        out += std::size_t{lanes} * lanes;
+    }
+}
+
+unsigned wide_lanes(platform::KernelSet set) {
+    switch (set) {
+    case platform::KernelSet::sse3: return 2;
+    case platform::KernelSet::avx2: return 4;
+    case platform::KernelSet::avx512: return 8;
+    }
+    return 2;
+}
+
+} // namespace
+
+FftShape fft_shape(platform::KernelSet set, const FftLength& length) {
+    const std::uint64_t block = length.L / 2 / length.m;
+    FftShape shape{wide_lanes(set), 0};
+    // Family 1 has no butterfly of its own: its first pass takes the place, and must leave a base below it.
+    const std::uint64_t least = length.m == 1 ? 2 : 1;
+    if (shape.lanes == 8 && block < least * 64) shape.lanes = 4;
+    shape.levels = log2_of(block) - 2 * log2_of(shape.lanes);
+    return shape;
+}
+
+void FftTables::want(const FftLength& length) {
+    const FftShape shape = fft_shape(set, length);
+    Family& f = family[family_index(length.m)];
+    f.pass_levels = std::max(f.pass_levels, shape.levels);
+    f.base_levels[shape.lanes] = std::max(f.base_levels[shape.lanes], shape.levels + 1);
+}
+
+void FftTables::ensure(std::uint64_t bits) {
+    const std::uint64_t most = fft_length(bits).capacity_bits();
+    for (const FftLength& row : fft_lengths())
+        if (row.capacity_bits() <= most) want(row);
+}
+
+void FftTables::ensure_rings(std::uint64_t bits) {
+    for (const FftLength& row : fft_ring_lengths())
+        if (row.capacity_bits() <= bits) want(row);
+}
+
+/// Visits every table in its order in memory, with its size and what writes it.
+template <class Visit>
+void FftTables::for_each_table(Visit visit) {
+    for (unsigned index = 0; index < families; ++index) {
+        Family& f = family[index];
+        const unsigned m = family_m[index];
+        if (std::ranges::none_of(f.base_levels, [](unsigned levels) { return levels > 0; })) continue;
+        visit(index, f.front, front_doubles, [](const RootWriter& writer, double* out) { writer.front(out); });
+        for (unsigned level = 0; level < f.pass_levels; ++level)
+            visit(index, f.passes[level], pass_doubles * m << level,
+                  [=](const RootWriter& writer, double* out) { write_pass(writer, m, level, out); });
+        for (unsigned lanes = 2; lanes <= most_lanes; lanes *= 2)
+            for (unsigned level = 0; level < f.base_levels[lanes]; ++level) {
+                const FftShape shape{lanes, level};
+                visit(index, f.bases[lanes < 8][level], shape.base_doubles() * m << level,
+                      [=](const RootWriter& writer, double* out) { write_bases(writer, m, level, lanes, out); });
+            }
+    }
+}
+
+namespace {
+
+std::uint64_t table_bytes(std::size_t doubles) { return (doubles * sizeof(double) + 63) / 64 * 64; }
+
+} // namespace
+
+std::uint64_t FftTables::bytes() const {
+    std::uint64_t sum = 0;
+    FftTables copy = *this;
+    copy.for_each_table([&](unsigned, const double*&, std::size_t doubles, auto&&) { sum += table_bytes(doubles); });
+    return sum;
+}
+
+std::byte* FftTables::place(std::byte* memory) {
+    std::array<std::unique_ptr<RootWriter>, families> writers;
+    for (unsigned index = 0; index < families; ++index) {
+        unsigned deepest = family[index].pass_levels;
+        for (unsigned lanes = 2; lanes <= most_lanes; lanes *= 2)
+            deepest = std::max(deepest, family[index].base_levels[lanes] + log2_of(lanes));
+        writers[index] = std::make_unique<RootWriter>(family_m[index], deepest);
+    }
+    for_each_table([&](unsigned index, const double*& table, std::size_t doubles, auto&& write) {
+        double* out = reinterpret_cast<double*>(memory);
+        write(*writers[index], out);
+        table = out;
+        memory += table_bytes(doubles);
+    });
+    return memory;
+}
+
+FftTables::Roots FftTables::roots(const FftLength& length) const {
+    const FftShape shape = fft_shape(set, length);
+    const Family& f = family[family_index(length.m)];
+    const double* bases = f.bases[shape.lanes < 8][shape.levels];
+    if (!bases || !f.front)
+        throw InvalidParametersException("FftTables::roots()", "The tables weren't built for this length.");
+    return {f.front, f.passes.data(), bases};
+}
+
+} // namespace zvp

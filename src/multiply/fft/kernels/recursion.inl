@@ -1,0 +1,108 @@
+// The transform of one block, depth first, so that each level works on what the cache still holds: passes of two or
+// three levels over a node, down to bases of V * V complex points, which stay in registers. The inverse runs backwards
+// and begins in the bases with the product of the two forward forms.
+//
+// A base's points fill V vectors. The first radix V goes across the vectors; then lanes and vectors change their
+// roles, so that the second goes across them again, each lane with the roots of its own node. The points stay in that
+// order: nobody but the inverse sees it.
+
+/// How many levels the next pass takes when `left` are to do.
+constexpr unsigned pass_levels(unsigned left) {
+    if (left < 3) return left;
+    if (V == 8) return left == 4 ? 2 : 3;
+    return left % 2 == 1 ? 3 : 2; // with 16 registers, a radix of 8 is better only than one of 2
+}
+
+template <std::size_t R>
+void forward_pass(double* x, std::size_t stride, const double* roots) {
+    Complex root[R / 2];
+    broadcast_roots(root, roots);
+    for (double* const end = x + stride * complex_doubles; x != end; x += complex_doubles) {
+        Complex a[R];
+        for (std::size_t t = 0; t < R; ++t) a[t] = Complex::load(x + t * stride * complex_doubles);
+        divide_all(a, root);
+        for (std::size_t t = 0; t < R; ++t) a[t].store(x + t * stride * complex_doubles);
+    }
+}
+
+template <std::size_t R>
+void inverse_pass(double* x, std::size_t stride, const double* roots) {
+    Complex root[R / 2];
+    broadcast_roots(root, roots);
+    for (double* const end = x + stride * complex_doubles; x != end; x += complex_doubles) {
+        Complex a[R];
+        for (std::size_t t = 0; t < R; ++t) a[t] = Complex::load(x + t * stride * complex_doubles);
+        join_all(a, root);
+        for (std::size_t t = 0; t < R; ++t) a[t].store(x + t * stride * complex_doubles);
+    }
+}
+
+ZVP_KERNEL_INLINE void forward_base(double* x, const double* roots) {
+    Complex a[V], root[V / 2];
+    for (std::size_t t = 0; t < V; ++t) a[t] = Complex::load(x + t * complex_doubles);
+    broadcast_roots(root, roots);
+    divide_all(a, root);
+    transpose(a);
+    load_roots(root, roots + V);
+    divide_all(a, root);
+    for (std::size_t t = 0; t < V; ++t) a[t].store(x + t * complex_doubles);
+}
+
+/// Xd = inverse of Xa * Xb, on one base. Any of them may be the same.
+ZVP_KERNEL_INLINE void product_base(double* xd, const double* xa, const double* xb, const double* roots) {
+    Complex a[V], root[V / 2];
+    for (std::size_t t = 0; t < V; ++t)
+        a[t] = Complex::load(xa + t * complex_doubles) * Complex::load(xb + t * complex_doubles);
+    load_roots(root, roots + V);
+    join_all(a, root);
+    transpose(a);
+    broadcast_roots(root, roots);
+    join_all(a, root);
+    for (std::size_t t = 0; t < V; ++t) a[t].store(xd + t * complex_doubles);
+}
+
+constexpr std::size_t base_block = V * complex_doubles; // doubles of a base's points
+constexpr std::size_t base_roots = V + V * V;
+
+template <class... Arguments>
+ZVP_KERNEL_INLINE void forward_pass_of(unsigned levels, Arguments... arguments) {
+    switch (levels) {
+    case 1: return forward_pass<2>(arguments...);
+    case 2: return forward_pass<4>(arguments...);
+    default: return forward_pass<8>(arguments...);
+    }
+}
+
+template <class... Arguments>
+ZVP_KERNEL_INLINE void inverse_pass_of(unsigned levels, Arguments... arguments) {
+    switch (levels) {
+    case 1: return inverse_pass<2>(arguments...);
+    case 2: return inverse_pass<4>(arguments...);
+    default: return inverse_pass<8>(arguments...);
+    }
+}
+
+/// Transforms the block at x, which is node `node` of `level`.
+void forward_block(const FftJob& job, double* x, unsigned level, std::size_t node) {
+    const unsigned left = job.levels - level;
+    if (left == 0) return forward_base(x, job.roots.bases + node * base_roots);
+    const unsigned step = pass_levels(left);
+    const std::size_t radix = std::size_t{1} << step, stride = V << (left - step);
+    forward_pass_of(step, x, stride, job.roots.passes[level] + 8 * node);
+    for (std::size_t c = 0; c < radix; ++c)
+        forward_block(job, x + c * stride * complex_doubles, level + step, node * radix + c);
+}
+
+/// Multiplies the forward forms Xa and Xb of one node and transforms back, to Xd.
+void product_block(const FftJob& job, double* xd, const double* xa, const double* xb, unsigned level,
+                   std::size_t node) {
+    const unsigned left = job.levels - level;
+    if (left == 0) return product_base(xd, xa, xb, job.roots.bases + node * base_roots);
+    const unsigned step = pass_levels(left);
+    const std::size_t radix = std::size_t{1} << step, stride = V << (left - step);
+    for (std::size_t c = 0; c < radix; ++c) {
+        const std::size_t offset = c * stride * complex_doubles;
+        product_block(job, xd + offset, xa + offset, xb + offset, level + step, node * radix + c);
+    }
+    inverse_pass_of(step, xd, stride, job.roots.passes[level] + 8 * node);
+}
