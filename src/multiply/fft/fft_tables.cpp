@@ -18,10 +18,13 @@ unsigned family_index(unsigned m) { return m / 2; }
 
 unsigned log2_of(std::uint64_t power) { return static_cast<unsigned>(std::countr_zero(power)); }
 
+/// The lowest `bits` of k in opposite order.
 std::uint64_t reverse_bits(std::uint64_t k, unsigned bits) {
-    std::uint64_t reversed = 0;
-    for (unsigned i = 0; i < bits; ++i) reversed |= (k >> i & 1) << (bits - 1 - i);
-    return reversed;
+    if (bits == 0) return 0;
+    k = (k >> 1 & 0x5555555555555555) | (k & 0x5555555555555555) << 1;
+    k = (k >> 2 & 0x3333333333333333) | (k & 0x3333333333333333) << 2;
+    k = (k >> 4 & 0x0F0F0F0F0F0F0F0F) | (k & 0x0F0F0F0F0F0F0F0F) << 4;
+    return __builtin_bswap64(k) >> (64 - bits);
 }
 
 /// Writes the roots of a family's nodes.
@@ -35,18 +38,27 @@ public:
         for (unsigned t = 1; t < m; ++t) put(root(std::uint64_t{t} << order_log), out + 2 * (t - 1), 1);
     }
 
-    /// The roots for `radix` of one node, each part `stride` doubles behind the other's.
-    void node(unsigned level, std::uint64_t node, unsigned radix, double* out, std::size_t stride) const {
+    /// f of a node, in units of 1 / (4 m 2^level).
+    std::uint64_t node_fraction(unsigned level, std::uint64_t node) const {
         const std::uint64_t k = node & ((std::uint64_t{1} << level) - 1), r = node >> level;
-        const std::uint64_t f = 1 + 4 * r + 4 * m * reverse_bits(k, level); // in units of 1 / (4 m 2^level)
-        const unsigned unit = order_log - level;                            // 1 / (4 m 2^level) = 2^unit / order
+        return 1 + 4 * r + 4 * m * reverse_bits(k, level);
+    }
+
+    /// The roots for `radix` of the node of that fraction, each part `stride` doubles behind the other's.
+    void node(unsigned level, std::uint64_t f, unsigned radix, double* out, std::size_t stride) const {
+        const unsigned unit = order_log - level; // 1 / (4 m 2^level) = 2^unit / order
         put(root(f << (unit - 1)), out, stride);
         if (radix >= 4) put(root(f << (unit - 2)), out + 2 * stride, stride);
         if (radix >= 8) {
-            const std::uint64_t w = f << (unit - 3), eighth = std::uint64_t{4 * m} << (order_log - 3);
+            const std::uint64_t w = f << (unit - 3), eighth = m << (order_log - 1);
             put(root(w), out + 4 * stride, stride);
             put(root(w + eighth), out + 6 * stride, stride);
         }
+    }
+
+    /// f of a node's descendant `lane`, log2(lanes) levels below, in that level's units.
+    std::uint64_t descendant(unsigned level, std::uint64_t f, unsigned lane, unsigned lanes) const {
+        return f + (4 * m << level) * reverse_bits(lane, log2_of(lanes));
     }
 
 private:
@@ -62,16 +74,17 @@ private:
 
 void write_pass(const RootWriter& writer, unsigned m, unsigned level, double* out) {
     for (std::uint64_t node = 0; node < std::uint64_t{m} << level; ++node)
-        writer.node(level, node, 8, out + pass_doubles * node, 1);
+        writer.node(level, writer.node_fraction(level, node), 8, out + pass_doubles * node, 1);
 }
 
-/// One base: the roots of its own node, then those of its children, lane by lane.
+/// One base: the roots of its own node, then those of its descendants, lane by lane.
 void write_bases(const RootWriter& writer, unsigned m, unsigned level, unsigned lanes, double* out) {
     for (std::uint64_t node = 0; node < std::uint64_t{m} << level; ++node) {
-        writer.node(level, node, lanes, out, 1);
+        const std::uint64_t f = writer.node_fraction(level, node);
+        writer.node(level, f, lanes, out, 1);
         out += lanes;
         for (unsigned lane = 0; lane < lanes; ++lane)
-            writer.node(level + log2_of(lanes), node * lanes + lane, lanes, out + lane, lanes);
+            writer.node(level + log2_of(lanes), writer.descendant(level, f, lane, lanes), lanes, out + lane, lanes);
         out += std::size_t{lanes} * lanes;
     }
 }

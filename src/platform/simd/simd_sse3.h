@@ -39,6 +39,7 @@ struct VecD {
     ZVP_KERNEL_INLINE static VecD broadcast(double x) { return {_mm_set1_pd(x)}; }
     ZVP_KERNEL_INLINE static VecD load(const double* p) { return {_mm_load_pd(p)}; }
     ZVP_KERNEL_INLINE void store(double* p) const { _mm_store_pd(p, v); }
+    ZVP_KERNEL_INLINE void store_unaligned(double* p) const { _mm_storeu_pd(p, v); }
 
     ZVP_KERNEL_INLINE friend VecD operator+(VecD a, VecD b) { return {_mm_add_pd(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend VecD operator-(VecD a, VecD b) { return {_mm_sub_pd(a.v, b.v)}; }

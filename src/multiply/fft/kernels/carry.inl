@@ -37,24 +37,48 @@ ZVP_KERNEL_INLINE Integers next_points(CarryStreams& s, Doubles y, const CarryCo
     return s.carry & k.mask;
 }
 
-/// Where the streams of one half stand in the packed bits.
-struct PackedStreams {
-    std::byte* begin;
-    std::size_t stream_bytes;
+/// The packed bits of V streams. Limbs are gathered until a square of V by V can be transposed into V limbs for each
+/// stream: a store for each limb would go through more cache lines of one set than the cache has ways.
+class PackedStreams {
+public:
+    ZVP_KERNEL_INLINE PackedStreams(std::byte* begin, std::size_t stream_bytes_)
+        : out(begin), stream_bytes(stream_bytes_) {}
 
-    ZVP_KERNEL_INLINE void put(std::size_t offset, Integers limbs, std::size_t bytes) const {
-        alignas(64) std::int64_t lane[V];
-        limbs.store(lane);
-        for (std::size_t t = 0; t < V; ++t) std::memcpy(begin + t * stream_bytes + offset, &lane[t], bytes);
+    ZVP_KERNEL_INLINE void put(Integers limbs) {
+        waiting[count] = Doubles::from_bits(limbs);
+        if (++count == V) flush();
     }
+
+    /// Stores what waits, and `bytes` of a last limb.
+    void finish(Integers limbs, std::size_t bytes) {
+        for (std::size_t i = 0; i <= count; ++i) {
+            alignas(64) std::int64_t lane[V];
+            (i < count ? waiting[i].bits() : limbs).store(lane);
+            const std::size_t width = i < count ? sizeof lane[0] : bytes;
+            for (std::size_t t = 0; t < V; ++t) std::memcpy(out + t * stream_bytes, &lane[t], width);
+            out += width;
+        }
+    }
+
+private:
+    ZVP_KERNEL_INLINE void flush() {
+        transpose(waiting);
+        for (std::size_t t = 0; t < V; ++t) waiting[t].store_unaligned(reinterpret_cast<double*>(out + t * stream_bytes));
+        out += V * sizeof(std::int64_t);
+        count = 0;
+    }
+
+    std::byte* out;
+    std::size_t stream_bytes;
+    Doubles waiting[V];
+    std::size_t count = 0;
 };
 
 /// Appends a point to each stream; whole 64 bits are stored.
-ZVP_KERNEL_INLINE void append(CarryStreams& s, Integers points, int position, int bits, const PackedStreams& out,
-                              std::size_t offset) {
+ZVP_KERNEL_INLINE void append(CarryStreams& s, Integers points, int position, int bits, PackedStreams& out) {
     s.waiting = s.waiting | shift_left(points, position);
     if (position + bits >= 64) {
-        out.put(offset, s.waiting, 8);
+        out.put(s.waiting);
         s.waiting = shift_right(points, 64 - position);
     }
 }
@@ -105,25 +129,20 @@ int settle_carries(const FftJob& job, std::byte* packed, const CarryStreams& re,
 int carry_pass(const FftJob& job, const double* x, std::byte* packed) {
     const CarryConstants k(job);
     const std::size_t stream_points = job.points / V, stream_bytes = stream_points / 8 * job.bits_per_point;
-    const PackedStreams re_out{packed, stream_bytes}, im_out{packed + V * stream_bytes, stream_bytes};
+    PackedStreams re_out(packed, stream_bytes), im_out(packed + V * stream_bytes, stream_bytes);
     CarryStreams re, im;
     int position = 0;
-    std::size_t offset = 0;
     for (std::size_t group = 0; group < stream_points / V; ++group, x += complex_doubles) {
         Complex a[V];
         for (std::size_t t = 0; t < V; ++t) a[t] = Complex::load(x + t * 2 * stream_points);
         transpose(a);
         for (std::size_t i = 0; i < V; ++i) {
-            append(re, next_points(re, a[i].re, k), position, k.bits, re_out, offset);
-            append(im, next_points(im, a[i].im, k), position, k.bits, im_out, offset);
-            position += k.bits;
-            if (position >= 64) {
-                position -= 64;
-                offset += 8;
-            }
+            append(re, next_points(re, a[i].re, k), position, k.bits, re_out);
+            append(im, next_points(im, a[i].im, k), position, k.bits, im_out);
+            position = (position + k.bits) % 64;
         }
     }
-    re_out.put(offset, re.waiting, static_cast<std::size_t>(position) / 8);
-    im_out.put(offset, im.waiting, static_cast<std::size_t>(position) / 8);
+    re_out.finish(re.waiting, static_cast<std::size_t>(position) / 8);
+    im_out.finish(im.waiting, static_cast<std::size_t>(position) / 8);
     return settle_carries(job, packed, re, im);
 }
