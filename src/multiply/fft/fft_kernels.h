@@ -17,8 +17,8 @@ struct FftJob {
 };
 
 struct FftKernels {
-    /// x[0, 2 points) = forward form of an operand's bits: points * bits_per_point / 4 bytes, and 32 more that may be
-    /// read. With `half`, the upper half of the points is taken as zero and not read.
+    /// x[0, 2 points) = forward form of an operand's bits: points * bits_per_point / 4 bytes, with a byte of zeros before
+    /// them and 32 bytes behind that may be read. With `half`, the upper half of the points is zero and not read.
     void (*forward)(const FftJob& job, double* x, const std::byte* bits, bool half);
 
     /// bits (points * bits_per_point / 4 bytes) = the product of the forward forms xa and xb modulo 2^N + 1, N its

@@ -14,7 +14,7 @@ struct FftLength {
     std::uint32_t code = 0;
     unsigned m = 1;
     unsigned k = 0;
-    std::uint64_t L = 0;          // real points
+    std::uint64_t L = 0; // real points
     unsigned bits_per_point = 0;
 
     std::uint64_t capacity_bits() const { return L * bits_per_point; }

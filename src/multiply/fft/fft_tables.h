@@ -58,7 +58,7 @@ private:
     using Levels = std::array<const double*, most_levels>;
 
     struct Family {
-        unsigned pass_levels = 0;                        // levels that are wanted: 0 .. pass_levels - 1
+        unsigned pass_levels = 0;                           // levels that are wanted: 0 .. pass_levels - 1
         std::array<unsigned, most_lanes + 1> base_levels{}; // by lanes
         const double* front = nullptr;
         Levels passes{};

@@ -66,29 +66,32 @@ ZVP_KERNEL_INLINE void transpose(VecD (&r)[2]) {
     r[1].v = _mm_unpackhi_pd(first, r[1].v);
 }
 
-/// Reads runs of 8 neighbouring bit fields of one width, little-endian, as doubles.
-class BitFields {
+/// Reads runs of 8 neighbouring bit fields of one width, little-endian, as balanced digits: a field whose top bit is set
+/// counts as negative, 2^width less, and the field above it as one more. A sum of fields times powers of 2^width so stays
+/// what it was, with digits of at most 2^(width - 1).
+class BalancedFields {
 public:
     static constexpr std::size_t fields = 8;
 
     /// width: 1 to 21 bits.
-    ZVP_KERNEL_INLINE explicit BitFields(unsigned width_) : width(width_), mask((1u << width_) - 1) {}
+    ZVP_KERNEL_INLINE explicit BalancedFields(unsigned width_) : width(width_) {}
 
-    /// The fields that begin at p, which is read up to 32 bytes on.
+    /// The fields that begin at p. Reads p[-1 .. 31]; the first byte's top bit is that of the field below.
     ZVP_KERNEL_INLINE void read(const std::byte* p, VecD (&out)[4]) const {
         for (unsigned i = 0; i < 4; ++i)
-            out[i].v = _mm_cvtepi32_pd(_mm_setr_epi32(field(p, 2 * i), field(p, 2 * i + 1), 0, 0));
+            out[i].v = _mm_cvtepi32_pd(_mm_setr_epi32(digit(p - 1, 2 * i), digit(p - 1, 2 * i + 1), 0, 0));
     }
 
 private:
-    ZVP_KERNEL_INLINE int field(const std::byte* p, unsigned i) const {
+    ZVP_KERNEL_INLINE int digit(const std::byte* p, unsigned i) const {
+        const unsigned bit = i * width + 7;
         std::uint32_t word;
-        std::memcpy(&word, p + i * width / 8, sizeof word);
-        return static_cast<int>(word >> i * width % 8 & mask);
+        std::memcpy(&word, p + bit / 8, sizeof word);
+        word >>= bit % 8;
+        return (static_cast<std::int32_t>(word << (31 - width)) >> (32 - width)) + static_cast<int>(word & 1);
     }
 
     unsigned width;
-    std::uint32_t mask;
 };
 
 } // namespace zvp::sse3

@@ -24,11 +24,12 @@ struct CarryConstants {
     Integers mask, bias;
 
     ZVP_KERNEL_INLINE explicit CarryConstants(const FftJob& job)
-        : bits(static_cast<int>(job.bits_per_point)), scale(Doubles::broadcast(1.0 / static_cast<double>(job.points))),
+        : bits(static_cast<int>(job.bits_per_point)),
+          scale(Doubles::broadcast(1.0 / static_cast<double>(job.points))),
           rounding(Doubles::broadcast(rounding_constant)),
           mask(Integers::broadcast((std::int64_t{1} << bits) - 1)),
-          bias(Integers::broadcast(carry_bias - (carry_bias >> bits) - std::bit_cast<std::int64_t>(rounding_constant))) {
-    }
+          bias(Integers::broadcast(carry_bias - (carry_bias >> bits)
+                                   - std::bit_cast<std::int64_t>(rounding_constant))) {}
 };
 
 /// The next point of each stream.
@@ -42,7 +43,9 @@ ZVP_KERNEL_INLINE Integers next_points(CarryStreams& s, Doubles y, const CarryCo
 class PackedStreams {
 public:
     ZVP_KERNEL_INLINE PackedStreams(std::byte* begin, std::size_t stream_bytes_)
-        : out(begin), stream_bytes(stream_bytes_) {}
+        : out(begin), stream_bytes(stream_bytes_) {
+        for (Doubles& limbs : waiting) limbs = Doubles::broadcast(0);
+    }
 
     ZVP_KERNEL_INLINE void put(Integers limbs) {
         waiting[count] = Doubles::from_bits(limbs);
@@ -50,20 +53,22 @@ public:
     }
 
     /// Stores what waits, and `bytes` of a last limb.
-    void finish(Integers limbs, std::size_t bytes) {
-        for (std::size_t i = 0; i <= count; ++i) {
-            alignas(64) std::int64_t lane[V];
-            (i < count ? waiting[i].bits() : limbs).store(lane);
-            const std::size_t width = i < count ? sizeof lane[0] : bytes;
-            for (std::size_t t = 0; t < V; ++t) std::memcpy(out + t * stream_bytes, &lane[t], width);
-            out += width;
+    ZVP_KERNEL_INLINE void finish(Integers last, std::size_t bytes) {
+        alignas(64) std::int64_t lane[V];
+        for (std::size_t i = 0; i < count; ++i) {
+            waiting[i].bits().store(lane);
+            for (std::size_t t = 0; t < V; ++t) std::memcpy(out + t * stream_bytes, &lane[t], sizeof lane[t]);
+            out += sizeof lane[0];
         }
+        last.store(lane);
+        for (std::size_t t = 0; t < V && bytes > 0; ++t) std::memcpy(out + t * stream_bytes, &lane[t], bytes);
     }
 
 private:
     ZVP_KERNEL_INLINE void flush() {
         transpose(waiting);
-        for (std::size_t t = 0; t < V; ++t) waiting[t].store_unaligned(reinterpret_cast<double*>(out + t * stream_bytes));
+        for (std::size_t t = 0; t < V; ++t)
+            waiting[t].store_unaligned(reinterpret_cast<double*>(out + t * stream_bytes));
         out += V * sizeof(std::int64_t);
         count = 0;
     }

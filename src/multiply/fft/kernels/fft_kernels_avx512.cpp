@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <type_traits>
 
 #include "platform/simd/target_avx512_begin.inl"
 
@@ -29,7 +30,7 @@ namespace narrow {
 
 using Doubles = avx2::VecD;
 using Integers = avx2::VecI;
-using avx2::BitFields;
+using avx2::BalancedFields;
 
 #include "multiply/fft/kernels/fft_kernels.inl"
 

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
-
+#include <type_traits>
 
 #include "platform/simd/simd_sse3.h"
 
@@ -24,4 +24,3 @@ using Integers = VecI;
 const FftKernels& fft_kernel_table() { return kernels; }
 
 } // namespace zvp::sse3
-

@@ -3,6 +3,9 @@
 // Point j of the upper half of the real points is the imaginary part of complex point j, so that the points' products
 // are those modulo x^L + 1 (x^(L/2) = i). A radix R takes complex points from R equal parts of the length: 2 R streams
 // of bits, or R when the operand ends below the middle and the points are real.
+//
+// Points are balanced digits: the error of a product grows with the size of its points, and digits of either sign are
+// a quarter of what all-ones operands would otherwise make of it.
 
 template <class Point>
 struct PointStream; // the bits of real points, or of both parts of complex ones
@@ -12,7 +15,7 @@ struct PointStream<Real> {
     const std::byte* re;
 
     ZVP_KERNEL_INLINE PointStream(const std::byte* bits, std::size_t) : re(bits) {}
-    ZVP_KERNEL_INLINE void read(const BitFields& fields, std::size_t offset, Real (&out)[8 / V]) const {
+    ZVP_KERNEL_INLINE void read(const BalancedFields& fields, std::size_t offset, Real (&out)[8 / V]) const {
         Doubles values[8 / V];
         fields.read(re + offset, values);
         for (std::size_t h = 0; h < 8 / V; ++h) out[h] = {values[h]};
@@ -24,7 +27,7 @@ struct PointStream<Complex> {
     const std::byte *re, *im;
 
     ZVP_KERNEL_INLINE PointStream(const std::byte* bits, std::size_t half) : re(bits), im(bits + half) {}
-    ZVP_KERNEL_INLINE void read(const BitFields& fields, std::size_t offset, Complex (&out)[8 / V]) const {
+    ZVP_KERNEL_INLINE void read(const BalancedFields& fields, std::size_t offset, Complex (&out)[8 / V]) const {
         Doubles real[8 / V], imaginary[8 / V];
         fields.read(re + offset, real);
         fields.read(im + offset, imaginary);
@@ -104,16 +107,30 @@ struct FamilyFront {
     }
 };
 
+/// What brings the topmost digit back to the field that it came from: there is none above it to take the one more.
+template <class Point>
+Doubles top_correction(const FftJob& job, const std::byte* bits) {
+    const std::size_t bytes = job.points / 8 * job.bits_per_point * (std::is_same_v<Point, Real> ? 1 : 2);
+    const bool negative = (bits[bytes - 1] & std::byte{0x80}) != std::byte{0};
+    alignas(64) double lane[V] = {};
+    lane[V - 1] = negative ? static_cast<double>(std::uint64_t{1} << job.bits_per_point) : 0;
+    return Doubles::load(lane);
+}
+
+ZVP_KERNEL_INLINE void add_to_top(Real& p, Doubles correction) { p.re = p.re + correction; }
+ZVP_KERNEL_INLINE void add_to_top(Complex& p, Doubles correction) { p.im = p.im + correction; }
+
 /// X = the first step of the transform of the operand's bits, n complex points.
 template <class Point, std::size_t R, template <class, std::size_t> class Front>
 void front_pass(const FftJob& job, double* x, const std::byte* bits) {
     const Front<Point, R> step(job);
-    const BitFields fields(job.bits_per_point);
+    const BalancedFields fields(job.bits_per_point);
     const std::size_t part = job.points / R, half = job.points / 8 * job.bits_per_point;
     for (std::size_t group = 0; group < part / 8; ++group) {
         Point p[R][8 / V];
         for (std::size_t t = 0; t < R; ++t)
             PointStream<Point>(bits, half).read(fields, (t * part / 8 + group) * job.bits_per_point, p[t]);
+        if (group == part / 8 - 1) add_to_top(p[R - 1][8 / V - 1], top_correction<Point>(job, bits));
         for (std::size_t h = 0; h < 8 / V; ++h) {
             Point in[R];
             Complex out[R];

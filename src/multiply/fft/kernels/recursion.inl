@@ -10,7 +10,7 @@
 constexpr unsigned pass_levels(unsigned left) {
     if (left < 3) return left;
     if (V == 8) return left == 4 ? 2 : 3;
-    return left % 2 == 1 ? 3 : 2; // with 16 registers, a radix of 8 is better only than one of 2
+    return left == 3 ? 3 : 2; // with 16 registers, a radix of 8 is better only than one of 2
 }
 
 template <std::size_t R>

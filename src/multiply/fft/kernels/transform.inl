@@ -25,8 +25,7 @@ void product_points(const FftJob& job, double* xd, const double* xa, const doubl
         return inverse_pass_of(level, xd, part / complex_doubles, job.roots.passes[0]);
     }
     const std::size_t part = 2 * job.points / job.family;
-    for (std::size_t r = 0; r < job.family; ++r)
-        product_block(job, xd + r * part, xa + r * part, xb + r * part, 0, r);
+    for (std::size_t r = 0; r < job.family; ++r) product_block(job, xd + r * part, xa + r * part, xb + r * part, 0, r);
     if (job.family == 3) return family_inverse<3>(job, xd);
     family_inverse<5>(job, xd);
 }
