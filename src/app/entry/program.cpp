@@ -11,6 +11,7 @@
 #include "app/menus/main_menu.h"
 #include "gateway/slave_action.h"
 #include "ioanalysis/benchio_action.h"
+#include "multiply/tables/algorithm_lists.h"
 #include "parallel/memory/allocator_registry.h"
 #include "parallel/tasks/framework_config.h"
 #include "platform/console_io.h"
@@ -39,6 +40,7 @@ void build_tables() {
     zvp::exception_registry();
     zvp::framework_registry();
     zvp::allocator_registry();
+    zvp::build_algorithm_tables();
     global_options();
     action_table();
     config_actions();

@@ -18,7 +18,8 @@
 // multiple of 2^-53 of that: each level adds to the vectors' 2-norm a relative error of about 2^-53, and errors of
 // different levels and points are independent, so that the multiple is of the order of the square root of the levels.
 // Even if all of up to 90 levels' errors pointed one way, random operands (|a|_2 a third) would stay below 1/2. The largest
-// distance from an integer that the tests see, with the operands that are the worst for the norm, is 1/8; rounding fails
+// distance from an integer that the tests see, with the operands that are the worst for the norm and lengths up to 2^26, is
+// 0.15; rounding fails
 // at 1/2.
 
 #include "multiply/fft/fft_kernels.h"

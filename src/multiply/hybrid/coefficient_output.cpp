@@ -1,0 +1,52 @@
+#include "multiply/hybrid/coefficient_output.h"
+
+#include "app/failure/exceptions.h"
+#include "multiply/words/word_loops.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zvp {
+
+void CoefficientOutput::put(std::uint64_t i, RingWord* x, const RingWord* before, TaskScratch scratch) const {
+    const HybridSize& size = job.size;
+    const std::size_t n = size.n, c = size.c;
+    if (is_above(i)) return;
+    if (is_below(i)) {
+        std::memset(x, 0, 4 * (c + 1));
+        return;
+    }
+    RingWord small[least_fft_ring + 1];
+    RingWord* const r = n < least_fft_ring ? small : scratch.element(size, 0);
+    job.kernels.rotate(r, x, n, 64 * std::uint64_t{n} - size.k); // divided by 2^k
+    job.kernels.normalize(r, n);
+    if (r[n - 1] != 0 || r[n] != 0) throw AlgorithmFailedException("hybrid_product()", "Coefficient is too large.");
+    if (before) {
+        const bool carry = add_words(r, r, before, c);
+        add_word(r + c, c + 1, before[c]);
+        add_word(r + c, c + 1, carry);
+    }
+    store(i, r);
+    std::memcpy(x, r + c, 4 * (c + 1));
+}
+
+/// The c words of coefficient i, as far as the range takes them.
+void CoefficientOutput::store(std::uint64_t i, const RingWord* words) const {
+    const std::size_t begin = job.size.c * i, end = begin + job.size.c;
+    const std::size_t first = std::max(begin, s), last = std::min(end, e);
+    if (first < last) std::memcpy(T + (first - s), words + (first - begin), 4 * (last - first));
+}
+
+void CoefficientOutput::finish_run(std::uint64_t i, const RingWord* x) const {
+    const HybridSize& size = job.size;
+    if (is_above(i) || is_below(i)) return;
+    const bool wraps = i + 1 == std::uint64_t{1} << size.k;
+    const std::size_t begin = wraps ? 0 : size.c * (i + 1), end = begin + size.c + 1;
+    const std::size_t first = std::max(begin, s), last = std::min(end, e);
+    if (first >= last) return;
+    RingWord* const at = T + (first - s);
+    const bool carry = add_words(at, at, x + (first - begin), last - first);
+    add_word(T + (last - s), e - last, carry);
+}
+
+} // namespace zvp

@@ -1,0 +1,102 @@
+#include "multiply/hybrid/element_passes.h"
+
+#include <array>
+
+namespace zvp {
+
+namespace {
+
+/// Three elements of the smallest rings are larger than the scratch of one of their products.
+constexpr std::size_t small_stride = least_fft_ring + 1;
+
+/// The elements that results pass through on their way to a rotation.
+class Temporaries {
+public:
+    Temporaries(const HybridSize& size, TaskScratch scratch) {
+        for (unsigned i = 0; i < z.size(); ++i)
+            z[i] = size.n < least_fft_ring ? small.data() + i * small_stride : scratch.element(size, i);
+    }
+    RingWord* operator[](std::size_t i) const { return z[i]; }
+
+private:
+    std::array<RingWord, 4 * small_stride> small;
+    std::array<RingWord*, 4> z;
+};
+
+/// The four points of one step at distance `quarter`, the first of which is `t`.
+struct Quad {
+    RingWord* x[4];
+
+    Quad(const ElementSet& set, std::uint64_t t, std::uint64_t quarter)
+        : x{set.at(t), set.at(t + quarter), set.at(t + 2 * quarter), set.at(t + 3 * quarter)} {}
+};
+
+void forward_quad(const HybridJob& job, const Quad& quad, std::uint64_t e, const Temporaries& z) {
+    RingWord* const out[3]{z[0], z[1], z[2]};
+    job.kernels.forward4(quad.x, out, job.size.n);
+    const std::uint64_t exponents[3]{2 * e, e, 3 * e};
+    for (int i = 0; i < 3; ++i) multiply_by_root(job, quad.x[i + 1], z[i], exponents[i], z[3]);
+}
+
+void inverse_quad(const HybridJob& job, const Quad& quad, std::uint64_t e, const Temporaries& z) {
+    const std::uint64_t turn = job.size.turn(), exponents[3]{2 * e, e, 3 * e};
+    for (int i = 0; i < 3; ++i) multiply_by_root(job, z[i], quad.x[i + 1], turn - exponents[i] % turn, z[3]);
+    RingWord* const in[3]{z[0], z[1], z[2]};
+    job.kernels.inverse4(quad.x, in, job.size.n);
+}
+
+/// Half-bits between neighbouring points of a block.
+std::uint64_t unit_of(const HybridJob& job, std::uint64_t block_points) { return job.size.turn() / block_points; }
+
+} // namespace
+
+void multiply_by_root(const HybridJob& job, RingWord* out, const RingWord* x, std::uint64_t e, RingWord* spare) {
+    const std::size_t n = job.size.n;
+    const std::uint64_t turn = job.size.turn(), N = turn / 4;
+    e %= turn;
+    const std::uint64_t bits = e / 2;
+    if (e % 2 == 0) return job.kernels.rotate(out, x, n, bits);
+    // √2 = 2^(3N/4) - 2^(N/4).
+    job.kernels.rotate(out, x, n, (bits + 3 * N / 4) % (2 * N));
+    job.kernels.rotate(spare, x, n, (bits + N / 4) % (2 * N));
+    job.kernels.subtract(out, spare, n);
+}
+
+void forward_levels(const HybridJob& job, const ElementSet& set, TaskScratch scratch) {
+    const Temporaries z(job.size, scratch);
+    unsigned left = set.levels;
+    for (; left >= 2; left -= 2) {
+        const std::uint64_t block = std::uint64_t{1} << left, quarter = block / 4;
+        const std::uint64_t unit = unit_of(job, block * set.step);
+        for (std::uint64_t base = 0; base < std::uint64_t{1} << set.levels; base += block)
+            for (std::uint64_t t = 0; t < quarter; ++t)
+                forward_quad(job, Quad(set, base + t, quarter), unit * (set.offset + t * set.step), z);
+    }
+    if (left == 0) return;
+    const std::uint64_t e = unit_of(job, 2 * set.step) * set.offset;
+    for (std::uint64_t t = 0; t < std::uint64_t{1} << set.levels; t += 2) {
+        job.kernels.butterfly(set.at(t), set.at(t + 1), z[0], job.size.n);
+        multiply_by_root(job, set.at(t + 1), z[0], e, z[3]);
+    }
+}
+
+void inverse_levels(const HybridJob& job, const ElementSet& set, TaskScratch scratch) {
+    const Temporaries z(job.size, scratch);
+    unsigned done = set.levels % 2;
+    if (done == 1) {
+        const std::uint64_t e = unit_of(job, 2 * set.step) * set.offset;
+        for (std::uint64_t t = 0; t < std::uint64_t{1} << set.levels; t += 2) {
+            multiply_by_root(job, z[0], set.at(t + 1), job.size.turn() - e, z[3]);
+            job.kernels.butterfly(set.at(t), z[0], set.at(t + 1), job.size.n);
+        }
+    }
+    for (; done < set.levels; done += 2) {
+        const std::uint64_t quarter = std::uint64_t{1} << done, block = 4 * quarter;
+        const std::uint64_t unit = unit_of(job, block * set.step);
+        for (std::uint64_t base = 0; base < std::uint64_t{1} << set.levels; base += block)
+            for (std::uint64_t t = 0; t < quarter; ++t)
+                inverse_quad(job, Quad(set, base + t, quarter), unit * (set.offset + t * set.step), z);
+    }
+}
+
+} // namespace zvp

@@ -1,0 +1,39 @@
+#pragma once
+// Passes of the hybrid transform over sets of elements.
+
+#include "multiply/hybrid/hybrid_transform.h"
+
+namespace zvp {
+
+/// 2^levels elements, `spacing` words apart, that stand for the points offset + t * step of a block of step * 2^levels
+/// points. `z` holds three elements for what is on its way.
+struct ElementSet {
+    RingWord* first;
+    std::size_t spacing;
+    unsigned levels;
+    std::uint64_t offset;
+    std::uint64_t step;
+
+    RingWord* at(std::uint64_t t) const { return first + t * spacing; }
+};
+
+/// Work memory of one task: three elements at its start, or all of it for one ring product.
+struct TaskScratch {
+    std::byte* M;
+
+    RingWord* element(const HybridSize& size, unsigned i) const {
+        return reinterpret_cast<RingWord*>(M) + i * size.stride;
+    }
+};
+
+/// The upper `levels` levels of the transform of the set's block, down to blocks of `step` points.
+void forward_levels(const HybridJob& job, const ElementSet& set, TaskScratch scratch);
+void inverse_levels(const HybridJob& job, const ElementSet& set, TaskScratch scratch);
+
+/// out := x √2^e, any e. `spare` is a further element.
+void multiply_by_root(const HybridJob& job, RingWord* out, const RingWord* x, std::uint64_t e, RingWord* spare);
+
+/// xd := xa * xb in the ring, canonical operands and result. Any of them may be the same.
+void ring_product(const HybridJob& job, RingWord* xd, const RingWord* xa, const RingWord* xb, TaskScratch scratch);
+
+} // namespace zvp

@@ -1,0 +1,39 @@
+#pragma once
+// Products by a number-theoretic transform over the ring modulo 2^N + 1, whose roots of unity are powers of two: the
+// transform adds, subtracts and shifts, and the products of its points are done by the floating-point transform, which
+// wraps as the ring does. (A. Schönhage, V. Strassen, "Schnelle Multiplikation großer Zahlen", 1971, with √2 as root.)
+//
+//   words of A -> 2^k coefficients of c words, each in an element of n + 1
+//      columns: 2^v points, 2^(k-v) elements apart, read as they are first needed   |  output: scale, check, add with
+//      rows:    2^v blocks of 2^(k-v) points, by the same rule                      |  overlap
+//   forward form, in the order that the divisions leave  -> products of elements -> rows -> columns
+//
+// Every pass is cut into tasks: columns first, then rows. An element's value is kept modulo 2^N + 1 with a small signed
+// top word; forward forms are canonical.
+
+#include "multiply/fft/fft_tables.h"
+#include "multiply/hybrid/hybrid_size.h"
+#include "multiply/hybrid/ring_kernels.h"
+#include "parallel/tasks/parallel_framework.h"
+
+namespace zvp {
+
+/// A size with what runs it. M: size.scratch_bytes, aligned to 64 bytes.
+struct HybridJob {
+    const HybridSize& size;
+    const RingKernels& kernels;
+    const FftTables& tables;
+    ParallelContext ctx;
+    std::byte* M;
+};
+
+/// X = forward form of the AL words at A; 32 AL is at most the capacity.
+void hybrid_forward(const HybridJob& job, RingWord* X, const RingWord* A, std::size_t AL);
+
+/// T = words s .. e - 1 of the product of the forward forms Xa and Xb modulo 2^capacity - 1. Xd takes the work and may be
+/// Xa; Xb may be Xa, and survives when it isn't Xd. Throws AlgorithmFailedException, "Coefficient is too large.", when a
+/// coefficient is larger than operands can make it: a fault of the memory or the processor.
+void hybrid_product(const HybridJob& job, RingWord* Xd, const RingWord* Xa, const RingWord* Xb, RingWord* T,
+                    std::size_t s, std::size_t e);
+
+} // namespace zvp

@@ -1,0 +1,273 @@
+// Arithmetic modulo 2^N + 1 in terms of `Block`, a run of 64-bit limbs that are added and subtracted as one number:
+// Block::limbs, load, store, add, subtract (with a carry or borrow of 0 or 1 in and out), complement, shift.
+// What doesn't fill a block goes limb by limb.
+
+using Limb = std::uint64_t;
+__extension__ typedef __int128 Wide;
+
+/// One limb, with the operations of a block.
+struct OneLimb {
+    static constexpr std::size_t limbs = 1;
+
+    Limb v;
+
+    ZVP_KERNEL_INLINE static OneLimb load(const RingWord* p) {
+        OneLimb block;
+        std::memcpy(&block.v, p, sizeof block.v);
+        return block;
+    }
+    ZVP_KERNEL_INLINE void store(RingWord* p) const { std::memcpy(p, &v, sizeof v); }
+    ZVP_KERNEL_INLINE friend OneLimb add(OneLimb a, OneLimb b, unsigned& carry) {
+        Limb sum;
+        const bool first = __builtin_add_overflow(a.v, b.v, &sum);
+        const bool second = __builtin_add_overflow(sum, Limb{carry}, &sum);
+        carry = first || second;
+        return {sum};
+    }
+    ZVP_KERNEL_INLINE friend OneLimb subtract(OneLimb a, OneLimb b, unsigned& borrow) {
+        Limb difference;
+        const bool first = __builtin_sub_overflow(a.v, b.v, &difference);
+        const bool second = __builtin_sub_overflow(difference, Limb{borrow}, &difference);
+        borrow = first || second;
+        return {difference};
+    }
+    ZVP_KERNEL_INLINE friend OneLimb complement(OneLimb a) { return {~a.v}; }
+    /// (a << bits) + the top bits of the limbs below, 0 < bits < 64.
+    ZVP_KERNEL_INLINE friend OneLimb shift(OneLimb a, OneLimb below, int bits) {
+        return {a.v << bits | below.v >> (64 - bits)};
+    }
+};
+
+/// Adds the small value v at limb i of x; what leaves the limbs goes to the top word.
+inline void add_at(RingWord* x, std::size_t n, std::size_t i, Wide v) {
+    for (; 2 * i < n && v != 0; ++i) {
+        v += OneLimb::load(x + 2 * i).v;
+        OneLimb{static_cast<Limb>(v)}.store(x + 2 * i);
+        v >>= 64;
+    }
+    x[n] += static_cast<RingWord>(v);
+}
+
+ZVP_KERNEL_INLINE Wide top_of(const RingWord* x, std::size_t n) { return static_cast<std::int32_t>(x[n]); }
+
+/// Calls step<B>(limb) for the limbs [0, count): by blocks, then one by one.
+template <class Step>
+ZVP_KERNEL_INLINE void for_blocks(std::size_t count, Step& step) {
+    std::size_t i = 0;
+    for (; i + Block::limbs <= count; i += Block::limbs) step.template run<Block>(2 * i);
+    for (; i < count; ++i) step.template run<OneLimb>(2 * i);
+}
+
+struct ButterflyStep {
+    RingWord *x, *y, *z;
+    unsigned carry = 0, borrow = 0;
+
+    template <class B>
+    ZVP_KERNEL_INLINE void run(std::size_t w) {
+        const B a = B::load(x + w), b = B::load(y + w);
+        add(a, b, carry).store(x + w);
+        subtract(a, b, borrow).store(z + w);
+    }
+};
+
+void butterfly(RingWord* x, RingWord* y, RingWord* z, std::size_t n) {
+    ButterflyStep step{x, y, z};
+    const RingWord tx = x[n], ty = y[n];
+    for_blocks(n / 2, step);
+    x[n] = tx + ty + step.carry;
+    z[n] = tx - ty - step.borrow;
+}
+
+struct SubtractStep {
+    RingWord* x;
+    const RingWord* y;
+    unsigned borrow = 0;
+
+    template <class B>
+    ZVP_KERNEL_INLINE void run(std::size_t w) {
+        subtract(B::load(x + w), B::load(y + w), borrow).store(x + w);
+    }
+};
+
+void subtract(RingWord* x, const RingWord* y, std::size_t n) {
+    SubtractStep step{x, y};
+    for_blocks(n / 2, step);
+    x[n] -= y[n] + step.borrow;
+}
+
+/// Both halves of four elements at once, since J moves one half into the other. Each sum runs in its own chain from the
+/// bottom of a half; what leaves a half is settled afterwards.
+struct Radix4Chains {
+    unsigned a[2]{}, b[2]{}, c[2]{}, d[2]{}; // first sums and differences, by half
+    unsigned out[4][2]{};                    // the results
+};
+
+struct Forward4Step {
+    RingWord* const (&x)[4], * const (&z)[3];
+    std::size_t half; // words
+    Radix4Chains k{};
+
+    template <class B>
+    ZVP_KERNEL_INLINE void run(std::size_t w) {
+        B a[2], b[2], c[2], d[2];
+        for (int h = 0; h < 2; ++h) {
+            const std::size_t at = w + (h ? half : 0);
+            const B x0 = B::load(x[0] + at), x1 = B::load(x[1] + at), x2 = B::load(x[2] + at), x3 = B::load(x[3] + at);
+            a[h] = add(x0, x2, k.a[h]);
+            b[h] = subtract(x0, x2, k.b[h]);
+            c[h] = add(x1, x3, k.c[h]);
+            d[h] = subtract(x1, x3, k.d[h]);
+        }
+        for (int h = 0; h < 2; ++h) {
+            const std::size_t at = w + (h ? half : 0);
+            add(a[h], c[h], k.out[0][h]).store(x[0] + at);
+            subtract(a[h], c[h], k.out[1][h]).store(z[0] + at);
+        }
+        subtract(b[0], d[1], k.out[2][0]).store(z[1] + w);
+        add(b[1], d[0], k.out[2][1]).store(z[1] + half + w);
+        add(b[0], d[1], k.out[3][0]).store(z[2] + w);
+        subtract(b[1], d[0], k.out[3][1]).store(z[2] + half + w);
+    }
+};
+
+ZVP_KERNEL_INLINE Wide wide(unsigned x) { return static_cast<Wide>(x); }
+
+/// Settles what left the halves: `low` at the middle, `high` at the top.
+ZVP_KERNEL_INLINE void settle(RingWord* x, std::size_t n, Wide low, Wide high) {
+    x[n] = static_cast<RingWord>(high);
+    add_at(x, n, n / 4, low);
+}
+
+void forward4(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n) {
+    Forward4Step step{x, z, n / 2};
+    const Wide t0 = top_of(x[0], n), t1 = top_of(x[1], n), t2 = top_of(x[2], n), t3 = top_of(x[3], n);
+    for_blocks(n / 4, step);
+    const Radix4Chains& k = step.k;
+    settle(x[0], n, wide(k.a[0]) + wide(k.c[0]) + wide(k.out[0][0]),
+           t0 + t1 + t2 + t3 + wide(k.a[1]) + wide(k.c[1]) + wide(k.out[0][1]));
+    settle(z[0], n, wide(k.a[0]) - wide(k.c[0]) - wide(k.out[1][0]),
+           t0 - t1 + t2 - t3 + wide(k.a[1]) - wide(k.c[1]) - wide(k.out[1][1]));
+    // J times the tops of x1 - x3 is minus them at the middle.
+    settle(z[1], n, wide(k.d[1]) - wide(k.b[0]) - wide(k.out[2][0]) - (t1 - t3),
+           t0 - t2 - wide(k.b[1]) - wide(k.d[0]) + wide(k.out[2][1]));
+    settle(z[2], n, wide(k.out[3][0]) - wide(k.b[0]) - wide(k.d[1]) + (t1 - t3),
+           t0 - t2 - wide(k.b[1]) + wide(k.d[0]) - wide(k.out[3][1]));
+}
+
+struct Inverse4Step {
+    RingWord* const (&x)[4], * const (&z)[3];
+    std::size_t half; // words
+    Radix4Chains k{};
+
+    template <class B>
+    ZVP_KERNEL_INLINE void run(std::size_t w) {
+        B a[2], b[2], c[2], d[2];
+        for (int h = 0; h < 2; ++h) {
+            const std::size_t at = w + (h ? half : 0);
+            const B y0 = B::load(x[0] + at), y1 = B::load(z[0] + at), y2 = B::load(z[1] + at), y3 = B::load(z[2] + at);
+            a[h] = add(y0, y1, k.a[h]);
+            c[h] = subtract(y0, y1, k.c[h]);
+            b[h] = add(y2, y3, k.b[h]);
+            d[h] = subtract(y3, y2, k.d[h]);
+        }
+        for (int h = 0; h < 2; ++h) {
+            const std::size_t at = w + (h ? half : 0);
+            add(a[h], b[h], k.out[0][h]).store(x[0] + at);
+            subtract(a[h], b[h], k.out[2][h]).store(x[2] + at);
+        }
+        subtract(c[0], d[1], k.out[1][0]).store(x[1] + w);
+        add(c[1], d[0], k.out[1][1]).store(x[1] + half + w);
+        add(c[0], d[1], k.out[3][0]).store(x[3] + w);
+        subtract(c[1], d[0], k.out[3][1]).store(x[3] + half + w);
+    }
+};
+
+void inverse4(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n) {
+    Inverse4Step step{x, z, n / 2};
+    const Wide t0 = top_of(x[0], n), t1 = top_of(z[0], n), t2 = top_of(z[1], n), t3 = top_of(z[2], n);
+    for_blocks(n / 4, step);
+    const Radix4Chains& k = step.k;
+    settle(x[0], n, wide(k.a[0]) + wide(k.b[0]) + wide(k.out[0][0]),
+           t0 + t1 + t2 + t3 + wide(k.a[1]) + wide(k.b[1]) + wide(k.out[0][1]));
+    settle(x[2], n, wide(k.a[0]) - wide(k.b[0]) - wide(k.out[2][0]),
+           t0 + t1 - t2 - t3 + wide(k.a[1]) - wide(k.b[1]) - wide(k.out[2][1]));
+    // x1 and x3 are c + J d and c - J d with d = y3 - y2.
+    settle(x[1], n, wide(k.d[1]) - wide(k.c[0]) - wide(k.out[1][0]) - (t3 - t2),
+           t0 - t1 - wide(k.c[1]) - wide(k.d[0]) + wide(k.out[1][1]));
+    settle(x[3], n, wide(k.out[3][0]) - wide(k.c[0]) - wide(k.d[1]) + (t3 - t2),
+           t0 - t1 - wide(k.c[1]) + wide(k.d[0]) - wide(k.out[3][1]));
+}
+
+/// z = x << Bits, whole limbs, complemented or not.
+template <bool Complement, bool Bits>
+struct ShiftStep {
+    RingWord* z;
+    const RingWord* x;
+    int bits;
+
+    template <class B>
+    ZVP_KERNEL_INLINE void run(std::size_t w) {
+        B limbs = B::load(x + w);
+        if constexpr (Bits) limbs = shift(limbs, B::load(x + w - 2), bits);
+        if constexpr (Complement) limbs = complement(limbs);
+        limbs.store(z + w);
+    }
+};
+
+/// `count` limbs of x << bits from limb `first` on, to z.
+template <bool Complement>
+void shifted(RingWord* z, const RingWord* x, std::size_t first, std::size_t count, int bits) {
+    if (count == 0) return;
+    if (bits == 0) {
+        ShiftStep<Complement, false> step{z, x + 2 * first, 0};
+        return for_blocks(count, step);
+    }
+    if (first == 0) {
+        const Limb lowest = OneLimb::load(x).v << bits;
+        OneLimb{Complement ? ~lowest : lowest}.store(z);
+        z += 2;
+        ++first;
+        --count;
+    }
+    ShiftStep<Complement, true> step{z, x + 2 * first, bits};
+    for_blocks(count, step);
+}
+
+/// The limbs of x << bits are written from limb q on; those that pass 2^N come in at the bottom with the other sign. A
+/// negative run of limbs is its complement, plus 1 at its bottom and less 1 above its top.
+void rotate(RingWord* z, const RingWord* x, std::size_t n, std::uint64_t s) {
+    const std::uint64_t N = 32 * std::uint64_t{n};
+    const bool negative = s >= N;
+    if (negative) s -= N;
+    const std::size_t limbs = n / 2, q = s / 64, rest = limbs - q;
+    const int bits = static_cast<int>(s % 64);
+    Wide above = top_of(x, n) << bits; // of x << bits, in units of 2^N
+    if (bits > 0) above += OneLimb::load(x + n - 2).v >> (64 - bits);
+    z[n] = 0;
+    if (!negative) {
+        shifted<true>(z, x, rest, q, bits);
+        shifted<false>(z + 2 * q, x, 0, rest, bits);
+        add_at(z, n, q, -above - (q > 0));
+        if (q > 0) add_at(z, n, 0, 1);
+    } else {
+        shifted<false>(z, x, rest, q, bits);
+        shifted<true>(z + 2 * q, x, 0, rest, bits);
+        add_at(z, n, q, above + 1);
+        z[n] -= 1;
+    }
+}
+
+void normalize(RingWord* x, std::size_t n) {
+    for (int round = 0; round < 2; ++round) {
+        const Wide top = top_of(x, n);
+        if (top == 0) return;
+        x[n] = 0;
+        add_at(x, n, 0, -top);
+    }
+    if (top_of(x, n) >= 0) return; // 0, or 1 with all words zero
+    // -1: it is 2^N.
+    std::memset(x, 0, n * sizeof *x);
+    x[n] = 1;
+}
+
+constexpr RingKernels kernels{&butterfly, &forward4, &inverse4, &rotate, &subtract, &normalize};

@@ -1,0 +1,57 @@
+// The ring's arithmetic in the avx512 set.
+
+#include "multiply/hybrid/kernels/kernel_tables.h"
+#include "platform/simd/intrinsics.h"
+
+#include <cstring>
+
+#include "platform/simd/target_avx512_begin.inl"
+
+namespace zvp::avx512 {
+
+namespace {
+
+/// Eight limbs of a vector. Limbs that carry out, and limbs that would if they took a carry in, become bits of two masks;
+/// adding the masks as integers runs the carries through all limbs at once.
+struct Block {
+    static constexpr std::size_t limbs = 8;
+
+    __m512i v;
+
+    ZVP_KERNEL_INLINE static Block load(const RingWord* p) { return {_mm512_loadu_si512(p)}; }
+    ZVP_KERNEL_INLINE void store(RingWord* p) const { _mm512_storeu_si512(p, v); }
+    ZVP_KERNEL_INLINE friend Block add(Block a, Block b, unsigned& carry) {
+        const __m512i ones = _mm512_set1_epi64(-1), sum = _mm512_add_epi64(a.v, b.v);
+        const __mmask8 in = run(_mm512_cmplt_epu64_mask(sum, a.v), _mm512_cmpeq_epi64_mask(sum, ones), carry);
+        return {_mm512_mask_sub_epi64(sum, in, sum, ones)};
+    }
+    ZVP_KERNEL_INLINE friend Block subtract(Block a, Block b, unsigned& borrow) {
+        const __m512i ones = _mm512_set1_epi64(-1), difference = _mm512_sub_epi64(a.v, b.v);
+        const __mmask8 in =
+            run(_mm512_cmplt_epu64_mask(a.v, b.v), _mm512_testn_epi64_mask(difference, difference), borrow);
+        return {_mm512_mask_add_epi64(difference, in, difference, ones)};
+    }
+    ZVP_KERNEL_INLINE friend Block complement(Block a) { return {_mm512_ternarylogic_epi64(a.v, a.v, a.v, 0x55)}; }
+    ZVP_KERNEL_INLINE friend Block shift(Block a, Block below, int bits) {
+        return {_mm512_or_si512(_mm512_sll_epi64(a.v, _mm_cvtsi32_si128(bits)),
+                                _mm512_srl_epi64(below.v, _mm_cvtsi32_si128(64 - bits)))};
+    }
+
+private:
+    /// The limbs that take a carry in; `carry` goes in at the lowest and comes out of the highest.
+    ZVP_KERNEL_INLINE static __mmask8 run(unsigned out, unsigned passing, unsigned& carry) {
+        const unsigned sum = 2 * out + carry + passing;
+        carry = sum >> 8;
+        return static_cast<__mmask8>(sum ^ passing);
+    }
+};
+
+#include "multiply/hybrid/kernels/ring_kernels.inl"
+
+} // namespace
+
+const RingKernels& ring_kernel_table() { return kernels; }
+
+} // namespace zvp::avx512
+
+#include "platform/simd/target_end.inl"
