@@ -40,4 +40,6 @@ need_build_tools() {
 need_test_libraries() {
     need /usr/include/gtest/gtest.h libgtest-dev
     need /usr/include/benchmark/benchmark.h libbenchmark-dev
+    need /usr/include/x86_64-linux-gnu/gmp.h libgmp-dev
+    need /usr/include/mpfr.h libmpfr-dev
 }

@@ -10,7 +10,11 @@
 
 #include <benchmark/benchmark.h>
 
+#include <array>
 #include <cstring>
+#include <sys/syscall.h>
+#include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -97,6 +101,42 @@ void ask_nodes(benchmark::State& state) {
     });
 }
 
+/// How a page of 4 KiB gets its node: by the policy of the thread that touches it, or by a binding of the page, which is
+/// taken back behind the touch so that mappings don't run out.
+enum class Placement { policy, binding };
+
+/// Two threads place and touch every other page of 256 MiB each.
+void place(benchmark::State& state, Placement placement) {
+    constexpr std::size_t page = 4096, bytes = 256 << 20;
+    constexpr int preferred = 1, plain = 0;
+    const std::array<unsigned long, 64> mask{1};
+    const auto fill = [&](std::byte* p) {
+        if (placement == Placement::policy) syscall(SYS_set_mempolicy, preferred, mask.data(), 4096);
+        for (std::size_t at = 0; at < bytes; at += 2 * page) {
+            if (placement == Placement::binding) syscall(SYS_mbind, p + at, page, preferred, mask.data(), 4096, 0);
+            p[at] = std::byte{1};
+            if (placement == Placement::binding) syscall(SYS_mbind, p + at, page, plain, nullptr, 0, 0);
+        }
+    };
+    platform::MemorySystem& system = platform::memory_system();
+    for (auto _ : state) {
+        state.PauseTiming();
+        const platform::Mapping block = system.map(bytes, page, PageKind::small);
+        if (!block.base) return state.SkipWithError("no memory");
+        state.ResumeTiming();
+        std::thread odd(fill, block.data + page), even(fill, block.data);
+        odd.join();
+        even.join();
+        state.PauseTiming();
+        system.release(block);
+        state.ResumeTiming();
+    }
+    state.counters["page"] = benchmark::Counter(static_cast<double>(state.iterations() * (bytes / page)),
+                                                benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+BENCHMARK_CAPTURE(place, policy, Placement::policy)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(place, binding, Placement::binding)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(fresh_memset, small, PageKind::small)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(fresh_touch, small, PageKind::small)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(fresh_parallel_touch, small, PageKind::small)->UseRealTime()->Unit(benchmark::kMillisecond);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <new>
 #include <sched.h>
 #include <sys/resource.h>
 #include <thread>
@@ -23,6 +24,7 @@ int read_affinity(std::vector<unsigned>& cores) {
     // The kernel refuses a set that is smaller than its own: grow until it fits.
     for (unsigned size = 1024; size <= 1u << 20; size *= 2) {
         const CpuSet set{CPU_ALLOC(size)};
+        if (!set) return ENOMEM;
         const std::size_t bytes = CPU_ALLOC_SIZE(size);
         if (sched_getaffinity(0, bytes, set.get()) != 0) continue;
         for (unsigned core = 0; core < size; ++core)
@@ -51,6 +53,7 @@ int set_thread_affinity(const ThreadAffinity& affinity) {
     if (affinity.group != 0 || affinity.bits.empty()) return EINVAL;
     const unsigned size = *std::max_element(affinity.bits.begin(), affinity.bits.end()) + 1;
     const CpuSet set{CPU_ALLOC(size)};
+    if (!set) return ENOMEM;
     const std::size_t bytes = CPU_ALLOC_SIZE(size);
     CPU_ZERO_S(bytes, set.get());
     for (const unsigned bit : affinity.bits) CPU_SET_S(bit, bytes, set.get());
@@ -76,13 +79,16 @@ struct FaultStack::Storage {
     alignas(64) std::byte bytes[65'536];
 };
 
-FaultStack::FaultStack() : storage(std::make_unique_for_overwrite<Storage>()) {
+FaultStack::FaultStack() : storage(new (std::nothrow) Storage) {
+    if (!storage) return;
     stack_t description{};
     description.ss_sp = storage->bytes;
     description.ss_size = sizeof storage->bytes;
     sigaltstack(&description, &storage->before);
 }
 
-FaultStack::~FaultStack() { sigaltstack(&storage->before, nullptr); }
+FaultStack::~FaultStack() {
+    if (storage) sigaltstack(&storage->before, nullptr);
+}
 
 } // namespace zvp::platform

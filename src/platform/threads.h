@@ -40,8 +40,18 @@ ProcessorPlace current_processor();
 /// Sets the calling thread's nice value. Returns 0, or errno.
 int set_thread_nice(int nice);
 
+/// Rounds of looking whether a short wait is over before a thread goes to sleep, with a spin_pause() behind each: about
+/// as long as it takes to put a thread to sleep and to wake it, so that a wait costs at most twice what it must.
+/// On a Zen 4 bench/parallel/dispatch_bench gives 25 ns for a round (spin), 17 us for all, and 9 us for a wake-up (wake),
+/// to which falling asleep is added.
+inline constexpr unsigned spin_rounds = 700;
+
+/// Tells the core that this thread only waits.
+inline void spin_pause() { __builtin_ia32_pause(); }
+
 /// Gives the calling thread a stack of its own for fault handlers, so that a stack overflow still leaves a
-/// crash record. Held by every thread that the program starts, for as long as it runs.
+/// crash record. Held by every thread that the program starts, for as long as it runs. Without memory for it the thread
+/// goes on without.
 class FaultStack {
 public:
     FaultStack();

@@ -27,7 +27,7 @@ public:
         for (unsigned i = 0; i < spin_rounds; ++i) {
             if (item.state.load(std::memory_order_acquire) == WorkItem::done) return release(item);
             if (item.state.load(std::memory_order_relaxed) == WorkItem::queued) break;
-            __builtin_ia32_pause();
+            spin_pause();
         }
         {
             std::unique_lock lock(mutex);
@@ -48,8 +48,6 @@ public:
     }
 
 private:
-    static constexpr unsigned spin_rounds = 2000;
-
     static void release(WorkItem& item) { item.state.store(WorkItem::idle, std::memory_order_relaxed); }
 
     void push(WorkItem& item) {

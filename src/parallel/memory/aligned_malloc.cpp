@@ -30,6 +30,14 @@ Header read_header(const void* p) {
     return header;
 }
 
+void check_guards(const void* p, const Header& header) {
+    if (header.guard != head_guard)
+        throw AlgorithmFailedException("aligned_free()", "Memory buffer has been underrun.");
+    std::uint32_t tail;
+    std::memcpy(&tail, static_cast<const std::byte*>(p) + header.bytes, sizeof tail);
+    if (tail != tail_guard) throw AlgorithmFailedException("aligned_free()", "Memory buffer has been overrun.");
+}
+
 } // namespace
 
 // With r the heap's pointer, p = ((r + 20) rounded down to a multiple of align) + align lies in (r + 20, r + 20 + align]:
@@ -52,20 +60,11 @@ void* aligned_malloc(std::size_t bytes, std::size_t align) {
     return p;
 }
 
-void check_guards(const void* p) {
-    if (!p) return;
-    const Header header = read_header(p);
-    if (header.guard != head_guard)
-        throw AlgorithmFailedException("aligned_free()", "Memory buffer has been underrun.");
-    std::uint32_t tail;
-    std::memcpy(&tail, static_cast<const std::byte*>(p) + header.bytes, sizeof tail);
-    if (tail != tail_guard) throw AlgorithmFailedException("aligned_free()", "Memory buffer has been overrun.");
-}
-
 void aligned_free(void* p) {
     if (!p) return;
-    check_guards(p);
-    std::free(read_header(p).raw);
+    const Header header = read_header(p);
+    check_guards(p, header);
+    std::free(header.raw);
 }
 
 } // namespace zvp

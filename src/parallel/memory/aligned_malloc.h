@@ -16,9 +16,6 @@ namespace zvp {
 ///     p + bytes   4 bytes   tail guard, unaligned
 void* aligned_malloc(std::size_t bytes, std::size_t align);
 
-/// Raises AlgorithmFailedException if a guard was overwritten. Null is ignored.
-void check_guards(const void* p);
-
 /// Gives a block of aligned_malloc() back. Null is ignored. A guard that was overwritten raises
 /// AlgorithmFailedException, and nothing is freed: the heap can't be trusted any more.
 void aligned_free(void* p);

@@ -18,8 +18,6 @@ HeapAllocation::~HeapAllocation() {
     }
 }
 
-void HeapAllocation::check() const { check_guards(pointer); }
-
 PageAllocation::PageAllocation(platform::MemorySystem& system_, const platform::Mapping& mapping_, std::size_t size)
     : system(system_), mapping(mapping_) {
     pointer = mapping.data;

@@ -17,9 +17,6 @@ public:
     Allocation(const Allocation&) = delete;
     Allocation& operator=(const Allocation&) = delete;
 
-    /// Raises AlgorithmFailedException if memory at the ends was overwritten, as far as the kind of memory can tell.
-    virtual void check() const {}
-
     std::byte* pointer = nullptr;
     std::size_t bytes = 0; // after rounding
     std::unique_ptr<AllocationRecord> record;
@@ -31,8 +28,6 @@ public:
     /// Raises std::bad_alloc.
     HeapAllocation(std::size_t size, std::size_t alignment);
     ~HeapAllocation() override;
-
-    void check() const override;
 };
 
 /// A mapping of the platform's.

@@ -1,11 +1,10 @@
 #include "parallel/memory/allocator_registry.h"
 
-#include "app/console/prompts.h"
-#include "app/console/text_width.h"
 #include "app/failure/exceptions.h"
 #include "parallel/memory/interleave_allocator.h"
 #include "parallel/memory/malloc_allocator.h"
 #include "parallel/memory/mmap_allocator.h"
+#include "parallel/tasks/setting_rows.h"
 
 #include <string>
 
@@ -46,15 +45,7 @@ std::unique_ptr<MemoryAllocator> load_allocator(const Object& object) {
 }
 
 std::unique_ptr<MemoryAllocator> select_allocator() {
-    const std::vector<std::string>& keys = allocator_registry().names();
-    print_line("\n\nSelect a Memory Allocator:\n", 'w');
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        print(pad_left(std::to_string(i), 4) + "    ", 'w');
-        print_line(allocator_type(keys[i]).display_name, 'G');
-    }
-    print_line("", 'w');
-    const std::uint32_t choice = prompt_int("option: ", 0, static_cast<std::uint32_t>(keys.size() - 1), 'T');
-    return make_allocator(keys[choice]);
+    return make_allocator(choose_key("Select a Memory Allocator:", allocator_registry()));
 }
 
 } // namespace zvp

@@ -1,16 +1,10 @@
 #include "parallel/memory/flag_selector.h"
 
-#include "app/console/console.h"
-#include "app/console/text_width.h"
+#include "parallel/tasks/setting_rows.h"
 
 #include <string>
 
 namespace zvp {
-
-void print_allocator_row(std::uint32_t row, std::string_view label, std::string_view value, char color) {
-    constexpr std::size_t label_width = 36;
-    print_labelm_line(label_width, pad_left(std::to_string(row), 4) + std::string(label), value, color);
-}
 
 void OptionalFlagSelector::cycle() {
     switch (flag.value) {
@@ -21,10 +15,11 @@ void OptionalFlagSelector::cycle() {
 }
 
 void OptionalFlagSelector::print_row(const OptionalFlagConfig& flag, std::uint32_t row, std::string_view label) {
-    print_allocator_row(row, label, flag.display_name(), flag.display_color());
+    print_setting_row(row, label, flag.display_name(), flag.display_color());
 }
 
-void OptionalFlagSelector::save_full(const OptionalFlagConfig& flag, Object& object) {
+void OptionalFlagSelector::save(const OptionalFlagConfig& flag, Object& object, bool full) {
+    if (!full) return flag.save(object);
     Object plain;
     flag.save(plain);
     Object shown;

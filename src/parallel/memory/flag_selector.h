@@ -8,9 +8,6 @@
 
 namespace zvp {
 
-/// Prints one row: its number, `label` and the value in the colour.
-void print_allocator_row(std::uint32_t row, std::string_view label, std::string_view value, char color);
-
 /// A three-way setting in a menu and in a report.
 class OptionalFlagSelector {
 public:
@@ -21,8 +18,8 @@ public:
 
     static void print_row(const OptionalFlagConfig& flag, std::uint32_t row, std::string_view label);
 
-    /// Adds the flag under its key as an object with "Value", "DisplayText" and "DisplayColor".
-    static void save_full(const OptionalFlagConfig& flag, Object& object);
+    /// Adds the flag under its key; `full` as an object with "Value", "DisplayText" and "DisplayColor".
+    static void save(const OptionalFlagConfig& flag, Object& object, bool full);
 
 private:
     OptionalFlagConfig& flag;

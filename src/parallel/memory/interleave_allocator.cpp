@@ -7,18 +7,35 @@
 #include "parallel/memory/flag_selector.h"
 #include "parallel/memory/node_binder.h"
 #include "parallel/memory/page_lock.h"
+#include "parallel/tasks/setting_rows.h"
+#include "platform/threads.h"
 
 #include <algorithm>
 #include <limits>
+#include <system_error>
 
 namespace zvp {
 
 namespace {
 
-/// Runs one task for each node on the node's own threads, all at once.
+/// Runs a task on this thread, which is bound to a node only meanwhile.
+void run_here(NodeBinder& binder, std::uint32_t index) {
+    platform::ThreadAffinity before;
+    const int error = platform::read_thread_affinity(before);
+    binder.run(index);
+    if (error == 0) platform::set_thread_affinity(before);
+}
+
+/// Runs one task for each node on the node's own threads, all at once; here where the system has no thread for it.
 void run_on_nodes(NodeBinder& binder, const std::vector<std::uint32_t>& nodes) {
     std::vector<AsyncHandle> handles(nodes.size());
-    for (std::uint32_t i = 0; i < nodes.size(); ++i) node_queue(nodes[i]).dispatch(handles[i], binder, i);
+    for (std::uint32_t i = 0; i < nodes.size(); ++i) {
+        try {
+            node_queue(nodes[i]).dispatch(handles[i], binder, i);
+        } catch (const std::system_error&) {
+            run_here(binder, i);
+        }
+    }
     for (AsyncHandle& handle : handles) handle.wait();
     for (AsyncHandle& handle : handles) handle.join();
 }
@@ -45,7 +62,7 @@ std::string list_text(const std::vector<std::uint32_t>& nodes) {
 InterleaveAllocator::InterleaveAllocator() : InterleaveAllocator(usable_nodes(topology(), platform::memory_system())) {}
 
 InterleaveAllocator::InterleaveAllocator(std::vector<std::uint32_t> nodes_, platform::MemorySystem& system_)
-    : node_list(std::move(nodes_)), system(&system_) {
+    : AllocatorOf(system_), node_list(std::move(nodes_)) {
     if (node_list.empty()) throw InvalidParametersException("", "Node list cannot be empty.");
 }
 
@@ -87,34 +104,19 @@ std::unique_ptr<Allocation> InterleaveAllocator::allocate(const ParallelContext&
     return allocation;
 }
 
-void InterleaveAllocator::save_mapping(Object& object) const {
+void InterleaveAllocator::save(Object& object, bool full) const {
+    OptionalFlagSelector::save(locked_pages, object, full);
     Array nodes_array;
     for (const std::uint32_t node : node_list) nodes_array.push_integer(node);
     object.add_array("Nodes", std::move(nodes_array));
     object.add_boolean("Hashed", hashed);
 }
 
-Object InterleaveAllocator::to_config_object() const {
-    Object object;
-    object.add_string("Allocator", std::string(own_key));
-    locked_pages.save(object);
-    save_mapping(object);
-    return object;
-}
-
-Object InterleaveAllocator::to_config_object_full() const {
-    Object object;
-    object.add_string("Allocator", std::string(own_key));
-    OptionalFlagSelector::save_full(locked_pages, object);
-    save_mapping(object);
-    return object;
-}
-
 std::uint32_t InterleaveAllocator::print_menu_rows(std::uint32_t first_row) const {
     if (topology().nodes.nodes().size() < 2)
         print_line("        (This allocator is useful only when there are multiple NUMA nodes.)");
-    print_allocator_row(first_row, "    NUMA nodes:", list_text(node_list), 'G');
-    print_allocator_row(first_row + 1, "    Page Mapping:", hashed ? "Hashed" : "Round-Robin", 'G');
+    print_setting_row(first_row, "    NUMA nodes:", list_text(node_list));
+    print_setting_row(first_row + 1, "    Page Mapping:", hashed ? "Hashed" : "Round-Robin");
     OptionalFlagSelector::print_row(locked_pages, first_row + 2, "    Lock Pages in Memory:");
     return first_row + 3;
 }
@@ -133,7 +135,7 @@ void InterleaveAllocator::ask_nodes() {
     for (;;) {
         const std::string line = prompt_line("Node: ", 'T');
         if (line.empty()) break;
-        typed.push_back(parse_u32(line));
+        if (line.find_first_not_of("0123456789") == std::string::npos) typed.push_back(parse_u32(line));
     }
     if (!typed.empty()) node_list = std::move(typed);
 }

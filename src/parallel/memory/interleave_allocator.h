@@ -11,7 +11,7 @@ namespace zvp {
 
 /// Small pages spread over NUMA nodes, each provided by a thread of its node. A node that is listed twice gets twice the
 /// share. Nodes that don't exist don't fail: their pages come from anywhere, and the record's warnings tell.
-class InterleaveAllocator final : public MemoryAllocator {
+class InterleaveAllocator final : public AllocatorOf<InterleaveAllocator> {
 public:
     static constexpr std::string_view own_key = "interleave";
     static constexpr std::string_view name = "Node Interleaving";
@@ -25,14 +25,9 @@ public:
 
     static std::unique_ptr<MemoryAllocator> from_config(const Object& object);
 
-    std::string_view key() const override { return own_key; }
-    std::string_view display_name() const override { return name; }
     bool acquire_privileges() const override;
     std::unique_ptr<Allocation> allocate(const ParallelContext& context, unsigned alignment_bits,
                                          std::size_t bytes) const override;
-    Object to_config_object() const override;
-    std::unique_ptr<MemoryAllocator> clone() const override { return std::make_unique<InterleaveAllocator>(*this); }
-    Object to_config_object_full() const override;
     std::uint32_t print_menu_rows(std::uint32_t first_row) const override;
     void menu_select(std::uint32_t row) override;
 
@@ -42,11 +37,12 @@ public:
     OptionalFlagConfig locked_pages{"LockedPages", OptionalFlag::attempt};
 
 private:
+    void save(Object& object, bool full) const override;
+
+    /// Lines that aren't a number are asked again.
     void ask_nodes();
-    void save_mapping(Object& object) const;
 
     std::vector<std::uint32_t> node_list;
-    platform::MemorySystem* system;
 };
 
 /// The nodes of `machine` that have memory for this process, ascending; all of them, after a warning, if none has.

@@ -27,10 +27,4 @@ std::unique_ptr<Allocation> MallocAllocator::allocate(const ParallelContext& con
     return allocation;
 }
 
-Object MallocAllocator::to_config_object() const {
-    Object object;
-    object.add_string("Allocator", std::string(own_key));
-    return object;
-}
-
 } // namespace zvp

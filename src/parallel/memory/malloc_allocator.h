@@ -5,28 +5,23 @@
 namespace zvp {
 
 /// The plain heap, by aligned_malloc(): pages as the system gives them, guards at both ends.
-class MallocAllocator final : public MemoryAllocator {
+class MallocAllocator final : public AllocatorOf<MallocAllocator> {
 public:
     static constexpr std::string_view own_key = "malloc";
     static constexpr std::string_view name = "C malloc()";
 
-    explicit MallocAllocator(platform::MemorySystem& system_ = platform::memory_system()) : system(&system_) {}
+    explicit MallocAllocator(platform::MemorySystem& system_ = platform::memory_system()) : AllocatorOf(system_) {}
 
     static std::unique_ptr<MemoryAllocator> from_config(const Object& object);
 
-    std::string_view key() const override { return own_key; }
-    std::string_view display_name() const override { return name; }
     bool acquire_privileges() const override { return true; }
     std::unique_ptr<Allocation> allocate(const ParallelContext& context, unsigned alignment_bits,
                                          std::size_t bytes) const override;
-    Object to_config_object() const override;
-    std::unique_ptr<MemoryAllocator> clone() const override { return std::make_unique<MallocAllocator>(*this); }
-    Object to_config_object_full() const override { return to_config_object(); }
     std::uint32_t print_menu_rows(std::uint32_t first_row) const override { return first_row; }
     void menu_select(std::uint32_t) override {}
 
 private:
-    platform::MemorySystem* system;
+    void save(Object&, bool) const override {}
 };
 
 } // namespace zvp

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -48,6 +49,35 @@ public:
     /// with exit code 1. 0 bytes give an empty allocation without asking the allocator.
     std::unique_ptr<Allocation> allocate_or_stop(std::vector<StatusCell>& log, const ParallelContext& context,
                                                  unsigned alignment_bits, std::size_t bytes) const;
+};
+
+/// What the allocators have in common. `Allocator` is the derived class, with its `own_key` and `name`.
+template <class Allocator>
+class AllocatorOf : public MemoryAllocator {
+public:
+    explicit AllocatorOf(platform::MemorySystem& system_) : system(&system_) {}
+
+    std::string_view key() const final { return Allocator::own_key; }
+    std::string_view display_name() const final { return Allocator::name; }
+    Object to_config_object() const final { return saved(false); }
+    Object to_config_object_full() const final { return saved(true); }
+    std::unique_ptr<MemoryAllocator> clone() const final {
+        return std::make_unique<Allocator>(static_cast<const Allocator&>(*this));
+    }
+
+protected:
+    /// Adds the settings.
+    virtual void save(Object& object, bool full) const = 0;
+
+    platform::MemorySystem* system;
+
+private:
+    Object saved(bool full) const {
+        Object object;
+        object.add_string("Allocator", std::string(Allocator::own_key));
+        save(object, full);
+        return object;
+    }
 };
 
 /// The part of MemoryAllocator::acquire_privileges() for allocators that lock pages.

@@ -32,40 +32,32 @@ std::unique_ptr<Allocation> MmapAllocator::allocate(const ParallelContext& conte
     std::unique_ptr<Allocation> allocation;
     if (large_pages.value != OptionalFlag::disabled) {
         system->lock_privilege(); // raises the limit, if nobody asked for the privilege before
-        allocation = from_pool(request);
-        if (!allocation) allocation = with_transparent_pages(request);
+        allocation = with_large_pages(request, platform::PageKind::large_pool);
+        if (!allocation) allocation = with_large_pages(request, platform::PageKind::large_transparent);
     }
     if (!allocation && large_pages.value != OptionalFlag::forced) allocation = with_small_pages(request);
-    return allocation ? std::move(allocation) : std::make_unique<Allocation>();
-}
-
-std::unique_ptr<Allocation> MmapAllocator::from_pool(const Request& request) const {
-    const std::size_t large = std::bit_floor(system->large_page_size());
-    if (large == 0) return nullptr;
-    std::unique_ptr<Allocation> allocation = touched(request, large, platform::PageKind::large_pool);
-    if (!allocation) return nullptr;
-    AllocationRecord& record = *allocation->record;
-    record.large_bytes = record.locked_bytes = record.total_bytes;
-    record.large_page_size = large;
+    if (!allocation || !lock(*allocation)) return std::make_unique<Allocation>();
     return allocation;
 }
 
-std::unique_ptr<Allocation> MmapAllocator::with_transparent_pages(const Request& request) const {
+std::unique_ptr<Allocation> MmapAllocator::with_large_pages(const Request& request, platform::PageKind kind) const {
     const std::size_t large = std::bit_floor(system->large_page_size());
     if (large == 0) return nullptr;
-    std::unique_ptr<Allocation> allocation = touched(request, large, platform::PageKind::large_transparent);
+    std::unique_ptr<Allocation> allocation = touched(request, large, kind);
     if (!allocation) return nullptr;
     AllocationRecord& record = *allocation->record;
-    record.large_bytes = system->transparent_large_bytes(allocation->pointer, allocation->bytes);
     record.large_page_size = large;
-    if (large_pages.value == OptionalFlag::forced && record.large_bytes < record.total_bytes) return nullptr;
-    return locked(std::move(allocation));
+    if (kind == platform::PageKind::large_pool) {
+        record.large_bytes = record.locked_bytes = record.total_bytes;
+    } else {
+        record.large_bytes = system->transparent_large_bytes(allocation->pointer, allocation->bytes);
+    }
+    const bool enough = record.large_bytes >= record.total_bytes || large_pages.value != OptionalFlag::forced;
+    return enough ? std::move(allocation) : nullptr;
 }
 
 std::unique_ptr<Allocation> MmapAllocator::with_small_pages(const Request& request) const {
-    const std::size_t unit = std::bit_floor(system->page_size());
-    std::unique_ptr<Allocation> allocation = touched(request, unit, platform::PageKind::small);
-    return allocation ? locked(std::move(allocation)) : nullptr;
+    return touched(request, std::bit_floor(system->page_size()), platform::PageKind::small);
 }
 
 std::unique_ptr<Allocation> MmapAllocator::touched(const Request& request, std::size_t unit,
@@ -83,28 +75,16 @@ std::unique_ptr<Allocation> MmapAllocator::touched(const Request& request, std::
     return allocation;
 }
 
-std::unique_ptr<Allocation> MmapAllocator::locked(std::unique_ptr<Allocation> allocation) const {
-    if (locked_pages.value == OptionalFlag::disabled) return allocation;
-    AllocationRecord& record = *allocation->record;
-    record.locked_bytes = lock_region(*system, allocation->pointer, allocation->bytes);
-    if (locked_pages.value == OptionalFlag::forced && record.locked_bytes < allocation->bytes) return nullptr;
-    return allocation;
+bool MmapAllocator::lock(Allocation& allocation) const {
+    std::uint64_t& locked = allocation.record->locked_bytes; // pages of the pool are locked already
+    if (locked_pages.value == OptionalFlag::disabled || locked == allocation.bytes) return true;
+    locked = lock_region(*system, allocation.pointer, allocation.bytes);
+    return locked == allocation.bytes || locked_pages.value != OptionalFlag::forced;
 }
 
-Object MmapAllocator::to_config_object() const {
-    Object object;
-    object.add_string("Allocator", std::string(own_key));
-    large_pages.save(object);
-    locked_pages.save(object);
-    return object;
-}
-
-Object MmapAllocator::to_config_object_full() const {
-    Object object;
-    object.add_string("Allocator", std::string(own_key));
-    OptionalFlagSelector::save_full(large_pages, object);
-    OptionalFlagSelector::save_full(locked_pages, object);
-    return object;
+void MmapAllocator::save(Object& object, bool full) const {
+    OptionalFlagSelector::save(large_pages, object, full);
+    OptionalFlagSelector::save(locked_pages, object, full);
 }
 
 std::uint32_t MmapAllocator::print_menu_rows(std::uint32_t first_row) const {

@@ -2,6 +2,7 @@
 
 #include "parallel/memory/touch.h"
 #include "parallel/topology/topology.h"
+#include "platform/threads.h"
 
 #include <array>
 #include <bit>
@@ -114,7 +115,10 @@ TaskQueue& node_queue(std::uint32_t node) {
     static std::map<std::uint32_t, std::unique_ptr<TaskQueue>> queues;
     const std::lock_guard lock(mutex);
     std::unique_ptr<TaskQueue>& queue = queues[node];
-    if (!queue) queue = std::make_unique<TaskQueue>(0, [node](std::uint32_t) { bind_to_node(node); });
+    if (!queue)
+        queue = std::make_unique<TaskQueue>(0, [node](std::uint32_t) {
+            if (!bind_to_node(node)) platform::set_thread_affinity({0, platform::usable_cores()});
+        });
     return *queue;
 }
 

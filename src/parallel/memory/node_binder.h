@@ -19,15 +19,18 @@ namespace zvp {
 /// seed 0. Pages 4 GiB apart so get the same hash, which leaves the shares of a region as they are.
 std::uint32_t page_hash(std::uint64_t address);
 
-/// The queue whose threads are bound to the cores of a node; made when first asked for, ends with the process.
+/// The queue whose threads are bound to the cores of a node, to all usable ones if the node has none; made when first
+/// asked for, ends with the process.
 TaskQueue& node_queue(std::uint32_t node);
 
 /// The tasks that fill a committed region: task i provides its share of the pages from node nodes[i].
 ///
-/// A page's place is decided by the thread that touches it first. So a task tells the system once that its thread's new
-/// pages should come from the node, touches its pages, and restores the thread's rule. (A rule for each page would need
-/// one mapping for each page, and a process may have only some 65 thousand.) If the system refuses the rule, the error
-/// counts for each of the task's pages, and the pages are provided without one.
+/// A page's place is decided by the rule in force when it is touched first. A task tells the system once that its
+/// thread's new pages should come from the node (set_mempolicy), touches its pages, and restores the thread's rule. A
+/// rule for the page itself (mbind) gives the same place, but splits the region's mapping around the page: kept, it fails
+/// at the 65,530 mappings of a process, 256 MiB for two nodes; taken back behind the touch, the two calls under the
+/// process's one lock of mappings make a page four times as dear or more (bench/parallel/memory_bench, place). If the
+/// system refuses the rule, the error counts for each of the task's pages, and the pages are provided without one.
 class NodeBinder final : public BasicAction {
 public:
     /// `p` and `bytes` are multiples of node_page_bytes.

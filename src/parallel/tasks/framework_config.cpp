@@ -3,13 +3,14 @@
 #include "app/console/console.h"
 #include "app/console/number_forms.h"
 #include "app/console/prompts.h"
-#include "app/console/text_width.h"
 #include "app/failure/exceptions.h"
 #include "parallel/tasks/push_pool.h"
 #include "parallel/tasks/range_dispatch.h"
+#include "parallel/tasks/setting_rows.h"
 #include "parallel/tasks/simple_frameworks.h"
 #include "parallel/tasks/task_queue.h"
 #include "parallel/topology/thread_placement.h"
+#include "platform/threads.h"
 #include "platform/topology.h"
 
 #include <algorithm>
@@ -19,17 +20,18 @@ namespace zvp {
 
 namespace {
 
-constexpr std::size_t label_width = 36;
+/// Places worker i in the groups behind that of the thread that made this object.
+class WorkerPlacement {
+public:
+    /// The maps of the machine are built, and printed, here.
+    std::function<void(std::uint32_t)> start_function() const {
+        const std::size_t rank = topology().groups.rank(group);
+        return [rank](std::uint32_t worker) { assign_thread_to_group(worker + rank + 1); };
+    }
 
-void print_row(std::uint32_t row, std::string_view label, std::string_view value) {
-    print_labelm_line(label_width, pad_left(std::to_string(row), 4) + std::string(label), value, 'G');
-}
-
-/// Places worker i in the group behind that of the thread that made the framework.
-std::function<void(std::uint32_t)> worker_placement() {
-    const std::size_t group = current_group();
-    return [group](std::uint32_t worker) { assign_thread_to_group(worker + group + 1); };
-}
+private:
+    const std::uint16_t group = platform::current_processor().group;
+};
 
 /// One setting of a framework: how it is saved, shown and changed.
 class Setting {
@@ -127,10 +129,11 @@ public:
     std::string summary(std::uint32_t task_count) const override {
         return std::string(name) + "  ->  " + std::to_string(task_count) + " / " + worker_text() + note();
     }
-    void print_with_tag(std::uint32_t task_count) const override { print(summary(task_count), 'G'); }
+    void print_with_tag() const override { print(name, 'G'); }
 
     std::uint32_t print_menu_rows(std::uint32_t first_row) const override {
-        for (const Setting* setting : settings) print_row(first_row++, setting->row_label(), setting->shown_value());
+        for (const Setting* setting : settings)
+            print_setting_row(first_row++, setting->row_label(), setting->shown_value());
         return first_row;
     }
     void menu_select(std::uint32_t row) override {
@@ -195,12 +198,13 @@ class TaskQueueConfig final : public ConfigWithSettings {
 public:
     TaskQueueConfig() : ConfigWithSettings("taskqueue", "Central Dispatch Queue") { settings = {&workers}; }
     std::unique_ptr<ParallelFramework> make_framework() const override {
-        return std::make_unique<TaskQueue>(workers.value, worker_placement());
+        return std::make_unique<TaskQueue>(workers.value, placement.start_function());
     }
 
 private:
-    std::string worker_text() const override { return workers.shown_value(); }
+    std::string worker_text() const override { return std::to_string(workers.value); }
 
+    const WorkerPlacement placement;
     WorkerThreads workers;
 };
 
@@ -209,13 +213,14 @@ public:
     PushPoolConfig() : ConfigWithSettings("pushpool", "Push Pool") { settings = {&workers, &randomization, &dispatch}; }
     std::unique_ptr<ParallelFramework> make_framework() const override {
         return std::make_unique<PushPool>(PushPool::Settings{workers.value, randomization.value, dispatch.value},
-                                          worker_placement());
+                                          placement.start_function());
     }
 
 private:
-    std::string worker_text() const override { return workers.shown_value(); }
+    std::string worker_text() const override { return std::to_string(workers.value); }
     std::string note() const override { return randomization.value ? "  (randomization on)" : "  (randomization off)"; }
 
+    const WorkerPlacement placement;
     WorkerThreads workers;
     Toggle randomization{"Randomization", "    Thread Randomization:", "Enabled", "Disabled"};
     SequentialDispatch dispatch;

@@ -14,7 +14,8 @@ namespace zvp {
 
 inline constexpr std::uint32_t max_worker_threads = 65'536;
 
-/// The settings of one framework choice.
+/// The settings of one framework choice. The workers of a pool are placed from the processor group on in which the
+/// configuration was made.
 class ParallelFrameworkConfig {
 public:
     virtual ~ParallelFrameworkConfig() = default;
@@ -29,11 +30,11 @@ public:
     /// The same for a report: numbers come with their display text.
     virtual Object to_config_object_full() const = 0;
 
-    /// One line: name, number of tasks, worker threads.
+    /// One line: name, number of tasks, worker threads (0 is no limit).
     virtual std::string summary(std::uint32_t task_count) const = 0;
 
-    /// Prints the summary in the colour of a setting.
-    virtual void print_with_tag(std::uint32_t task_count) const = 0;
+    /// Prints the display name in the colour of a setting, without a line feed.
+    virtual void print_with_tag() const = 0;
 
     /// Prints the menu's rows from number `first_row` on and returns the next free number.
     virtual std::uint32_t print_menu_rows(std::uint32_t first_row) const = 0;

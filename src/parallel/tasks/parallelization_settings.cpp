@@ -2,8 +2,8 @@
 
 #include "app/console/console.h"
 #include "app/console/prompts.h"
-#include "app/console/text_width.h"
 #include "app/failure/exceptions.h"
+#include "parallel/tasks/setting_rows.h"
 #include "platform/threads.h"
 
 #include <algorithm>
@@ -43,14 +43,13 @@ Object ParallelizationSettings::saved(bool full) const {
 }
 
 void ParallelizationSettings::menu() {
-    constexpr std::size_t width = 36;
     for (;;) {
         print_line("\n\nParallelization Settings:");
         print_line();
         print_line("Current Settings: (select option # to change setting)\n");
         print_line("   1    Restore defaults for " + std::to_string(logical_cores) + " logical cores.");
-        print_labelm_line(width, "   2    Task Decomposition:", std::to_string(task_decomposition), 'G');
-        print_labelm_line(width, "   3    Framework:", framework->display_name(), 'G');
+        print_setting_row(2, "    Task Decomposition:", std::to_string(task_decomposition));
+        print_setting_row(3, "    Framework:", framework->display_name());
         constexpr std::uint32_t first_own_row = 4;
         const std::uint32_t end = framework->print_menu_rows(first_own_row);
         print_line("\n   0    Done!\n");
@@ -70,16 +69,7 @@ void ParallelizationSettings::menu() {
 }
 
 void ParallelizationSettings::select_framework() {
-    const std::vector<std::string>& keys = framework_registry().names();
-    print_line("\n\nSelect a Parallel Framework:\n");
-    for (std::size_t i = 0; i < keys.size(); ++i)
-        print_line(pad_left(std::to_string(i), 4) + "    "
-                       + std::string(framework_registry().find(keys[i])->display_name),
-                   'G');
-    set_color('w');
-    print_line();
-    const std::uint32_t choice = prompt_int("option: ", 0, static_cast<std::uint32_t>(keys.size() - 1), 'T');
-    framework = framework_registry().find(keys[choice])->make_default();
+    framework = make_framework_config(choose_key("Select a Parallel Framework:", framework_registry()));
 }
 
 std::uint32_t checked_task_decomposition(std::int64_t tasks) {

@@ -68,9 +68,6 @@ public:
     }
 
 private:
-    /// Rounds of looking for a task before going to sleep: some tens of microseconds.
-    static constexpr unsigned spin_rounds = 1000;
-
     /// Runs the task if there is one.
     bool run_task() {
         BasicAction* given = task.load();
@@ -83,9 +80,9 @@ private:
 
     void work() {
         for (;;) {
-            for (unsigned i = 0; i < spin_rounds; ++i) {
+            for (unsigned i = 0; i < platform::spin_rounds; ++i) {
                 if (run_task()) i = 0;
-                __builtin_ia32_pause();
+                platform::spin_pause();
             }
             std::unique_lock lock(mutex);
             sleeping.store(true);

@@ -1,5 +1,7 @@
 #include "parallel/tasks/task_handle.h"
 
+#include "platform/threads.h"
+
 #include <chrono>
 #include <thread>
 
@@ -7,8 +9,15 @@ namespace zvp {
 
 namespace {
 
-/// Rounds of a short wait by spinning before a thread sleeps: some microseconds, about what a sleep and a wake cost.
-constexpr unsigned spin_rounds = 2000;
+using Clock = std::chrono::steady_clock;
+
+/// The time so many milliseconds from now; the end of all time if the clock can't tell it.
+Clock::time_point deadline_in(std::uint64_t milliseconds) {
+    const Clock::time_point now = Clock::now();
+    const auto most = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::time_point::max() - now);
+    if (milliseconds >= static_cast<std::uint64_t>(most.count())) return Clock::time_point::max();
+    return now + std::chrono::milliseconds(milliseconds);
+}
 
 } // namespace
 
@@ -43,9 +52,9 @@ void WaitableAction::signal() {
 }
 
 void WaitableAction::wait() {
-    for (unsigned i = 0; i < spin_rounds; ++i) {
+    for (unsigned i = 0; i < platform::spin_rounds; ++i) {
         if (signalled.load(std::memory_order_acquire)) return;
-        __builtin_ia32_pause();
+        platform::spin_pause();
     }
     std::unique_lock lock(mutex);
     condition.wait(lock, [this] { return signalled.load(); });
@@ -57,9 +66,8 @@ void WaitableAction::join() {
 }
 
 bool WaitableAction::wait_for(std::uint64_t milliseconds) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
     std::unique_lock lock(mutex);
-    return condition.wait_until(lock, deadline, [this] { return signalled.load(); });
+    return condition.wait_until(lock, deadline_in(milliseconds), [this] { return signalled.load(); });
 }
 
 bool WaitableAction::join_for(std::uint64_t milliseconds) {
@@ -74,7 +82,7 @@ std::future<void>& FutureTaskHandle::checked() {
 }
 
 bool FutureTaskHandle::wait_for(std::uint64_t milliseconds) {
-    return checked().wait_for(std::chrono::milliseconds(milliseconds)) == std::future_status::ready;
+    return checked().wait_until(deadline_in(milliseconds)) == std::future_status::ready;
 }
 
 bool FutureTaskHandle::join_for(std::uint64_t milliseconds) {
@@ -107,8 +115,10 @@ bool AsyncHandle::join_for(std::uint64_t milliseconds) {
 
 void dispatch_async(AsyncHandle& handle, BasicAction& action, std::uint32_t index) {
     handle.assign(nullptr); // the old task ends before the new one begins
-    handle.assign(
-        std::make_unique<FutureTaskHandle>(std::async(std::launch::async, [&action, index] { action.run(index); })));
+    handle.assign(std::make_unique<FutureTaskHandle>(std::async(std::launch::async, [&action, index] {
+        const platform::FaultStack fault_stack;
+        action.run(index);
+    })));
 }
 
 } // namespace zvp

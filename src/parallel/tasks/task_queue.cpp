@@ -20,20 +20,45 @@ struct TaskQueue::QueuedTask {
 
 namespace {
 
-/// A task of dispatch(): the handle owns the record.
-class QueueTaskHandle final : public BasicTaskHandle {
-public:
-    explicit QueueTaskHandle(BasicAction& action) : task(action) {}
+/// The queue whose worker the calling thread is.
+thread_local const TaskQueue* served_queue = nullptr;
 
-    void wait() override { task.wait(); }
-    void join() override { task.join(); }
+} // namespace
+
+class TaskQueue::DispatchedTask final : public BasicTaskHandle {
+public:
+    DispatchedTask(TaskQueue& queue_, BasicAction& action, std::uint32_t index_)
+        : queue(queue_), index(index_), task(action) {
+        try {
+            id = queue.queue_behind(task, index);
+        } catch (...) {
+            task.cancel();
+            throw;
+        }
+    }
+
+    void wait() override {
+        run_if_unbegun();
+        task.wait();
+    }
+    void join() override {
+        run_if_unbegun();
+        task.join();
+    }
     bool wait_for(std::uint64_t milliseconds) override { return task.wait_for(milliseconds); }
     bool join_for(std::uint64_t milliseconds) override { return task.join_for(milliseconds); }
 
+private:
+    /// The queue may be gone, but not while one of its workers asks.
+    void run_if_unbegun() {
+        if (served_queue == &queue && queue.take_back(id, task)) task.run(index);
+    }
+
+    TaskQueue& queue;
+    const std::uint32_t index;
+    std::int64_t id = 0;
     WaitableAction task;
 };
-
-} // namespace
 
 TaskQueue::TaskQueue(std::uint32_t max_threads_, std::function<void(std::uint32_t)> start_)
     : max_threads(max_threads_ == 0 ? std::numeric_limits<std::uint32_t>::max() : max_threads_),
@@ -72,6 +97,7 @@ void TaskQueue::start_worker() {
 
 void TaskQueue::work(std::uint32_t number) {
     const platform::FaultStack fault_stack;
+    served_queue = this;
     start(number);
     std::unique_lock lock(mutex);
     for (;;) {
@@ -90,17 +116,17 @@ void TaskQueue::work(std::uint32_t number) {
     }
 }
 
-bool TaskQueue::take_back(const QueuedTask& task) {
+bool TaskQueue::take_back(std::int64_t id, const BasicAction& action) {
     const std::lock_guard lock(mutex);
-    const auto found = queue.find(task.id);
-    if (found == queue.end() || found->second.action != &task.task) return false;
+    const auto found = queue.find(id);
+    if (found == queue.end() || found->second.action != &action) return false;
     queue.erase(found);
     return true;
 }
 
 void TaskQueue::run_unbegun(RecordList<QueuedTask>& tasks) {
     for (std::uint32_t i = 0; i < tasks.size(); ++i)
-        if (take_back(tasks[i])) tasks[i].task.run(tasks[i].index);
+        if (take_back(tasks[i].id, tasks[i].task)) tasks[i].task.run(tasks[i].index);
 }
 
 namespace {
@@ -159,19 +185,13 @@ void TaskQueue::run_in_parallel(BasicAction& first, BasicAction& second) {
 }
 
 void TaskQueue::dispatch(AsyncHandle& handle, BasicAction& action, std::uint32_t index) {
-    auto fresh = std::make_unique<QueueTaskHandle>(action);
-    WaitableAction& task = fresh->task;
-    handle.assign(nullptr);
-    try {
-        push_back(task, index);
-    } catch (...) {
-        task.cancel();
-        throw;
-    }
-    handle.assign(std::move(fresh));
+    handle.assign(nullptr); // the old task ends before the new one begins
+    handle.assign(std::make_unique<DispatchedTask>(*this, action, index));
 }
 
-void TaskQueue::push_back(BasicAction& action, std::uint32_t index) {
+void TaskQueue::push_back(BasicAction& action, std::uint32_t index) { queue_behind(action, index); }
+
+std::int64_t TaskQueue::queue_behind(BasicAction& action, std::uint32_t index) {
     const std::lock_guard lock(mutex);
     if (closed) throw InvalidParametersException("TaskQueue::push_back()", "Queue is closed.");
     std::int64_t id = 0;
@@ -186,10 +206,11 @@ void TaskQueue::push_back(BasicAction& action, std::uint32_t index) {
     try {
         wake_or_start(1);
     } catch (...) {
-        if (!threads.empty()) return; // those that run serve it
+        if (!threads.empty()) return id; // those that run serve it
         queue.erase(id);
         throw;
     }
+    return id;
 }
 
 } // namespace zvp

@@ -30,7 +30,10 @@ public:
     void run_in_parallel(BasicAction& action, std::uint32_t low, std::uint32_t high) override;
     void run_in_parallel(BasicAction& first, BasicAction& second) override;
 
-    /// Runs action.run(index) on the queue; the action lives until the handle has waited.
+    /// Runs action.run(index) on a worker; the action lives until the handle has waited. A task of this queue that waits
+    /// for a handle runs the handle's task itself if nobody has begun it, so that even a queue of one worker can't
+    /// deadlock; wait_for() and join_for() only wait. Fails like push_back(), and with std::system_error if the system
+    /// refuses the first worker.
     void dispatch(AsyncHandle& handle, BasicAction& action, std::uint32_t index);
 
     /// Queues action.run(index) behind everything. The action must not throw; its owner learns of its end by itself.
@@ -42,13 +45,15 @@ private:
         BasicAction* action;
         std::uint32_t index;
     };
-    struct QueuedTask; // a task of run_in_parallel() with its ID
+    struct QueuedTask;    // a task of run_in_parallel() with its ID
+    class DispatchedTask; // a task of dispatch(), owned by its handle
 
     std::int64_t first_id_in_front(std::uint32_t count) const;
     void wake_or_start(std::uint32_t count);
     void start_worker();
     void work(std::uint32_t number);
-    bool take_back(const QueuedTask& task);
+    std::int64_t queue_behind(BasicAction& action, std::uint32_t index);
+    bool take_back(std::int64_t id, const BasicAction& action);
     void run_unbegun(RecordList<QueuedTask>& tasks);
 
     const std::uint32_t max_threads;

@@ -79,6 +79,4 @@ void assign_thread_to_group(std::size_t index) {
     assigner.assign(index);
 }
 
-std::size_t current_group(const Topology& machine) { return machine.groups.rank(platform::current_processor().group); }
-
 } // namespace zvp

@@ -33,7 +33,4 @@ private:
 /// GroupAssigner::assign() on this machine, with one first failure for the process.
 void assign_thread_to_group(std::size_t index);
 
-/// The running number of the processor group that the calling thread runs in.
-std::size_t current_group(const Topology& machine = topology());
-
 } // namespace zvp

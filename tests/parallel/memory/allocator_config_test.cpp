@@ -4,35 +4,20 @@
 
 #include "app/notation/parser.h"
 #include "app/raised.h"
-#include "support/program.h"
+#include "support/process.h"
 
 #include <gtest/gtest.h>
-
-#include <unistd.h>
 
 namespace {
 
 using namespace zvp;
+using test::printed_with_input;
 
 std::string compact(const Node& node) {
     std::string text;
     for (const char c : node.to_json())
         if (c != ' ' && c != '\r' && c != '\n') text += c;
     return text;
-}
-
-/// What `function` prints while the user types `input`.
-template <class Function>
-std::string printed_with_input(const std::string& input, Function&& function) {
-    int ends[2];
-    EXPECT_EQ(pipe(ends), 0);
-    EXPECT_EQ(write(ends[1], input.data(), input.size()), static_cast<ssize_t>(input.size()));
-    const int old = dup(STDIN_FILENO);
-    dup2(ends[0], STDIN_FILENO);
-    const std::string output = test::printed_by(function);
-    dup2(old, STDIN_FILENO);
-    for (const int file : {ends[0], ends[1], old}) close(file);
-    return output;
 }
 
 TEST(AllocatorConfig, ReadsBackWhatItWrites) {
@@ -77,19 +62,6 @@ TEST(AllocatorConfig, TellsWhatIsWrong) {
     }
 }
 
-TEST(AllocatorConfig, RegistryAndDefaults) {
-    EXPECT_EQ(allocator_registry().names(), (std::vector<std::string>{"malloc", "mmap", "interleave"}));
-    for (const std::string& key : allocator_registry().names()) {
-        const auto allocator = make_allocator(key);
-        EXPECT_EQ(allocator->key(), key);
-        EXPECT_EQ(allocator->display_name(), allocator_registry().find(key)->display_name);
-    }
-    EXPECT_EQ(default_allocator()->key(), topology().nodes.nodes().size() >= 2 ? "interleave" : "mmap");
-    const auto interleave = make_allocator("interleave");
-    EXPECT_TRUE(interleave->to_config_object().get_boolean("Hashed"));
-    EXPECT_GE(interleave->to_config_object().get_array("Nodes").size(), 1u);
-}
-
 TEST(AllocatorMenu, RowsShowAndChangeTheSettings) {
     MmapAllocator pages;
     pages.menu_select(0);
@@ -104,11 +76,11 @@ TEST(AllocatorMenu, RowsShowAndChangeTheSettings) {
 
     InterleaveAllocator nodes({0});
     nodes.menu_select(1);
-    EXPECT_EQ(printed_with_input("0\n0\n12\n\n", [&] { nodes.menu_select(0); }),
+    EXPECT_EQ(printed_with_input("0\nx\n0\n12\n-3\n\n", [&] { nodes.menu_select(0); }),
               "\n\nEnter NUMA node #'s one-by-one. Enter nothing to stop.\n"
               "    - Duplicating nodes allow for imbalanced interleaving.\n"
               "    - Non-existant nodes simply won't bind.\n"
-              "Node: Node: Node: Node: ");
+              "Node: Node: Node: Node: Node: Node: ");
     printed_with_input("\n", [&] { nodes.menu_select(0); }); // nothing typed: the list stays
     const std::string note = topology().nodes.nodes().size() < 2
                                  ? "        (This allocator is useful only when there are multiple NUMA nodes.)\n"
@@ -119,6 +91,14 @@ TEST(AllocatorMenu, RowsShowAndChangeTheSettings) {
                     "   2    Page Mapping:               Round-Robin\n"
                     "   3    Lock Pages in Memory:       Attempt\n");
     EXPECT_EQ(next, 4u);
+
+    std::unique_ptr<MemoryAllocator> chosen;
+    EXPECT_EQ(printed_with_input("3\n1\n", [&] { chosen = select_allocator(); }), "\n\nSelect a Memory Allocator:\n\n"
+                                                                                  "   0    C malloc()\n"
+                                                                                  "   1    WinAPI VirtualAlloc()\n"
+                                                                                  "   2    Node Interleaving\n"
+                                                                                  "\noption: option: ");
+    EXPECT_EQ(chosen->key(), "mmap");
 }
 
 } // namespace

@@ -18,6 +18,7 @@ public:
 
     zvp::platform::Mapping map(std::size_t bytes, std::size_t alignment, zvp::platform::PageKind kind) override {
         if (!kinds.contains(kind)) return {};
+        ++maps;
         ++mapped;
         return MemorySystem::map(bytes, alignment, zvp::platform::PageKind::small);
     }
@@ -67,6 +68,7 @@ public:
     zvp::platform::LockPrivilege answer{true, 0, 0};
     bool reserving = false; // count reserve() as a mapping of its own, not as a part of map()
 
+    int maps = 0;   // calls of map() that had such pages
     int mapped = 0; // mappings that were not released
     std::atomic<int> restored{0};
     std::multiset<void*> asked;

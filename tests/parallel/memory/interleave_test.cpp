@@ -2,12 +2,16 @@
 #include "parallel/memory/node_binder.h"
 
 #include "parallel/memory/fake_memory.h"
-#include "support/program.h"
+#include "parallel/tasks/task_handle.h"
+#include "platform/threads.h"
+#include "support/process.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
+#include <thread>
 
 namespace {
 
@@ -92,32 +96,51 @@ TEST(Interleave, NodesThatDontExistAreTold) {
                                         "Thread 1 VirtualAllocExNuma() error 22, count = 50\n"}));
 }
 
-TEST(Interleave, TheRealSystemRefusesSuchNodes) {
-    for (const std::uint32_t node : {3000u, 4'000'000'000u}) {
-        InterleaveAllocator allocator({node});
-        const auto allocation = allocator.allocate({}, 12, 7 * page);
-        ASSERT_NE(allocation->pointer, nullptr);
-        allocation->pointer[7 * page - 1] = std::byte{1};
-        const std::string line = allocation->record->warnings.at(1);
-        EXPECT_EQ(line.find("Thread 0 VirtualAllocExNuma() error "), 0u) << line;
-        EXPECT_NE(line.find(", count = 7\n"), std::string::npos) << line;
-    }
+TEST(Interleave, TheRealSystemProvidesAnAbsentNodesPages) {
+    const auto allocation = InterleaveAllocator({4'000'000'000u}).allocate({}, 12, 7 * page);
+    ASSERT_NE(allocation->pointer, nullptr);
+    EXPECT_EQ(allocation->record->warnings.at(1), "Thread 0 VirtualAllocExNuma() error 22, count = 7\n");
+}
+
+TEST(Interleave, AnAbsentNodesWorkerStaysOnTheCoreOfItsStarter) {
+    platform::ThreadAffinity affinity;
+    std::thread([&] {
+        platform::bind_thread_to_core(platform::usable_cores().front());
+        struct Read final : BasicAction {
+            explicit Read(platform::ThreadAffinity& affinity_) : affinity(affinity_) {}
+            void run(std::uint32_t) override { platform::read_thread_affinity(affinity); }
+            platform::ThreadAffinity& affinity;
+        } read(affinity);
+        AsyncHandle handle;
+        node_queue(3001).dispatch(handle, read, 0);
+        handle.join();
+    }).join();
+    EXPECT_EQ(affinity.bits, platform::usable_cores());
+}
+
+[[noreturn]] void allocate_without_threads() {
+    platform::bind_thread_to_core(platform::usable_cores().back());
+    const test::UserLimit limit(RLIMIT_NPROC, test::threads_and(0));
+    const auto allocation = InterleaveAllocator({0, 3000}).allocate({}, 12, 7 * page);
+    platform::ThreadAffinity affinity;
+    platform::read_thread_affinity(affinity);
+    const bool stays = affinity.bits == std::vector{platform::usable_cores().back()};
+    std::_Exit(allocation->pointer && stays ? 0 : 1);
+}
+
+TEST(Interleave, WithoutThreadsItFailsOrMovesItsCaller) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(allocate_without_threads(), testing::ExitedWithCode(0), "");
 }
 
 TEST(Interleave, FailedQueriesAreToldAndDontCount) {
     Nodes system(1);
-    system.query_error = EPERM;
-    InterleaveAllocator allocator({0}, system);
-    const auto whole = allocator.allocate({}, 12, 600 * page);
-    EXPECT_EQ(placement_warnings(*whole),
-              std::vector<std::string>{"Thread 0 QueryWorkingSetEx() error 1, count = 600\n"});
-    EXPECT_TRUE(whole->record->nodes.empty());
-    system.query_error = 0;
     system.node_of = [n = 0](void*) mutable { return ++n % 3 == 0 ? -EFAULT : 0; };
-    const auto third = allocator.allocate({}, 12, 600 * page);
-    EXPECT_EQ(placement_warnings(*third),
+    InterleaveAllocator allocator({0}, system);
+    const auto allocation = allocator.allocate({}, 12, 600 * page);
+    EXPECT_EQ(placement_warnings(*allocation),
               std::vector<std::string>{"Thread 0 QueryWorkingSetEx() error 14, count = 200\n"});
-    EXPECT_EQ(third->record->nodes, (NodeBytes{{0, 400 * page}}));
+    EXPECT_EQ(allocation->record->nodes, (NodeBytes{{0, 400 * page}}));
 }
 
 TEST(Interleave, FailuresGiveTheRangeBack) {
@@ -142,9 +165,7 @@ struct Memoryless : test::FakeMemory {
 TEST(Interleave, DefaultNodesHaveMemory) {
     platform::MachineTopology described;
     described.groups = {{0, {{0, 0u}, {1, 2u}, {2, 5u}}}};
-    testing::internal::CaptureStdout();
     const Topology machine(described);
-    testing::internal::GetCapturedStdout();
     Memoryless system;
     std::vector<std::uint32_t> nodes;
     EXPECT_EQ(test::printed_by([&] { nodes = usable_nodes(machine, system); }),

@@ -29,7 +29,7 @@ TEST(ParallelizationSettings, SaveAndLoadGiveTheSameSettings) {
         {R"(TaskDecomposition : 4 Framework : "taskqueue" WorkerThreads : 12)", "Central Dispatch Queue  ->  9 / 12"},
         {R"(TaskDecomposition : 65536 Framework : "pushpool" WorkerThreads : 0 Randomization : "true" )"
          R"(MaxSequentialDispatch : 64)",
-         "Push Pool  ->  9 / Unlimited  (randomization on)"},
+         "Push Pool  ->  9 / 0  (randomization on)"},
         {R"(TaskDecomposition : 6 Framework : "winpool" MaxSequentialDispatch : 4)", "Windows Thread Pool  ->  9 / ?"},
     };
     for (const auto& c : cases) {
@@ -72,6 +72,8 @@ TEST(ParallelizationSettings, ClampsAndRefuses) {
 }
 
 TEST(ParallelizationSettings, DefaultsFollowTheCores) {
+    EXPECT_EQ(printed_by([] { ParallelizationSettings().framework->print_with_tag(); }),
+              ParallelizationSettings().framework->display_name()); // and no maps of the machine are built yet
     EXPECT_EQ(default_task_decomposition(1), 1u);
     EXPECT_EQ(default_task_decomposition(2), 2u);
     EXPECT_EQ(default_task_decomposition(6), 12u);

@@ -1,4 +1,5 @@
 #include "app/failure/exceptions.h"
+#include "parallel/tasks/action.h"
 #include "parallel/tasks/framework_config.h"
 #include "parallel/tasks/push_pool.h"
 #include "parallel/tasks/range_dispatch.h"
@@ -18,15 +19,7 @@ namespace {
 
 using namespace zvp;
 
-/// A task family from a function.
-class Action final : public BasicAction {
-public:
-    explicit Action(std::function<void(std::uint32_t)> function_) : function(std::move(function_)) {}
-    void run(std::uint32_t index) override { function(index); }
-
-private:
-    const std::function<void(std::uint32_t)> function;
-};
+using test::Action;
 
 const auto no_start = [](std::uint32_t) {};
 
@@ -126,28 +119,18 @@ TEST_P(Frameworks, NestedPairsOfTwentyLevelsEnd) {
     EXPECT_EQ(leaves, leaves_of(20, branches));
 }
 
-TEST_P(Frameworks, RangesInsideRangesEnd) {
+TEST_P(Frameworks, RangesInsideRangesOfSeveralThreadsEnd) {
     std::atomic<unsigned> runs{0};
-    Action inner([&](std::uint32_t) { ++runs; });
-    Action middle([&](std::uint32_t) { framework->run_in_parallel(inner, 0, 10); });
-    Action outer([&](std::uint32_t) { framework->run_in_parallel(middle, 0, 5); });
-    framework->run_in_parallel(outer, 0, 8);
-    EXPECT_EQ(runs, 400u);
-}
-
-TEST_P(Frameworks, OneObjectServesSeveralThreads) {
-    std::atomic<unsigned> runs{0};
-    Action action([&](std::uint32_t) { ++runs; });
+    Action leaf([&](std::uint32_t) { ++runs; });
+    Action inner([&](std::uint32_t) { framework->run_in_parallel(leaf, 0, 5); });
+    Action outer([&](std::uint32_t) { framework->run_in_parallel(inner, inner); });
     std::vector<std::thread> callers;
     for (int i = 0; i < 4; ++i)
         callers.emplace_back([&] {
-            for (int k = 0; k < 50; ++k) {
-                framework->run_in_parallel(action, 0, 7);
-                framework->run_in_parallel(action, action);
-            }
+            for (int k = 0; k < 10; ++k) framework->run_in_parallel(outer, 0, 7);
         });
     for (std::thread& caller : callers) caller.join();
-    EXPECT_EQ(runs, 4u * 50 * 9);
+    EXPECT_EQ(runs, 4u * 10 * 7 * 2 * 5);
 }
 
 TEST_P(Frameworks, AnExceptionComesOutWhenAllTasksHaveEnded) {
@@ -245,19 +228,6 @@ TEST(WorkQueue, ABurstWakesAsManyThreadsAsItNeeds) {
     });
     framework.run_in_parallel(meet, 0, cores + 1);
     EXPECT_EQ(waiting, cores + 1);
-}
-
-TEST(TaskQueue, DispatchedTasksRunBehindAndTellTheirFailure) {
-    TaskQueue queue(2, no_start);
-    AsyncHandle handle;
-    std::atomic<int> sum{0};
-    Action add([&](std::uint32_t index) { sum += static_cast<int>(index); });
-    for (const std::uint32_t index : {3u, 4u, 5u}) queue.dispatch(handle, add, index); // each waits for the one before
-    handle.join();
-    EXPECT_EQ(sum, 12);
-    Action fail([](std::uint32_t) { throw 7; });
-    queue.dispatch(handle, fail, 0);
-    EXPECT_THROW(handle.join(), int);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
-#include "app/failure/exceptions.h"
+#include "parallel/tasks/action.h"
 #include "parallel/tasks/task_handle.h"
 #include "platform/work_queue.h"
+#include "support/process.h"
 
 #include <gtest/gtest.h>
 
@@ -11,6 +12,7 @@
 namespace {
 
 using namespace zvp;
+using test::Action;
 
 struct Sleep final : BasicAction {
     void run(std::uint32_t milliseconds) override {
@@ -53,7 +55,12 @@ TEST(ExceptionHolder, TheFirstExceptionWinsAndAnUncheckedHolderStopsTheProgram) 
     } catch (const std::string& outer) {
         EXPECT_EQ(outer, "outer");
     }
-    EXPECT_EXIT({ ExceptionHolder(); }, testing::ExitedWithCode(1), "");
+    EXPECT_EXIT(
+        {
+            test::show_output();
+            ExceptionHolder();
+        },
+        testing::ExitedWithCode(1), "Exceptions not handled!");
 }
 
 TEST(TaskHandles, WaitJoinAndTimeOut) {
@@ -63,7 +70,7 @@ TEST(TaskHandles, WaitJoinAndTimeOut) {
     dispatch_async(handle, sleep, 200);
     EXPECT_FALSE(handle.wait_for(1));
     EXPECT_FALSE(handle.join_for(1));
-    EXPECT_TRUE(handle.join_for(10'000));
+    EXPECT_TRUE(handle.join_for(~std::uint64_t{0})); // far beyond what the clock can tell
     EXPECT_TRUE(sleep.done);
 
     Fail fail;
@@ -71,11 +78,13 @@ TEST(TaskHandles, WaitJoinAndTimeOut) {
     handle.wait(); // waiting throws nothing
     EXPECT_THROW(handle.join(), std::uint32_t);
 
-    Sleep first, second;
+    Sleep first;
+    std::atomic<bool> in_order{false};
+    Action second([&](std::uint32_t) { in_order = first.done.load(); });
     dispatch_async(handle, first, 50);
-    dispatch_async(handle, second, 0); // waits for the first
-    EXPECT_TRUE(first.done);
+    dispatch_async(handle, second, 0); // begins behind the first's end
     handle.join();
+    EXPECT_TRUE(in_order);
 
     FutureTaskHandle invalid{std::future<void>()};
     EXPECT_THROW(invalid.join(), std::future_error);
@@ -86,7 +95,7 @@ TEST(WaitableAction, OutlivesTheThreadThatRunsIt) {
         Sleep sleep;
         auto action = std::make_unique<WaitableAction>(sleep);
         std::thread runner([&, running = action.get()] { running->run(0); });
-        EXPECT_TRUE(i % 2 == 0 || action->wait_for(10'000));
+        EXPECT_TRUE(i % 2 == 0 || action->wait_for(~std::uint64_t{0}));
         action.reset(); // waits until the runner has let go of it
         EXPECT_TRUE(sleep.done);
         runner.join();

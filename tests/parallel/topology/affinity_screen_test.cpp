@@ -1,30 +1,15 @@
 #include "parallel/topology/affinity_screen.h"
 
 #include "parallel/topology/machines.h"
-#include "support/program.h"
+#include "support/process.h"
 
 #include <gtest/gtest.h>
 
 #include <regex>
-#include <unistd.h>
 
 namespace {
 
 using namespace zvp;
-
-/// What the screen prints while the user types `lines` and an empty one.
-std::string edited(SchedulingGroup& group, const std::string& lines) {
-    const std::string input = lines + "\n";
-    int ends[2];
-    EXPECT_EQ(pipe(ends), 0);
-    EXPECT_EQ(write(ends[1], input.data(), input.size()), static_cast<ssize_t>(input.size()));
-    const int old = dup(STDIN_FILENO);
-    dup2(ends[0], STDIN_FILENO);
-    const std::string output = test::printed_by([&] { edit_cores(group); });
-    dup2(old, STDIN_FILENO);
-    for (const int file : {ends[0], ends[1], old}) close(file);
-    return output;
-}
 
 /// The screens of an output, each cut down to its active cores.
 std::string active_cores(const std::string& output) {
@@ -73,7 +58,7 @@ TEST(AffinityScreen, AnEntryDoesTheWrongThing) {
         lines += step.line + "\n";
         expected += step.said + screen(step.count, step.list);
     }
-    EXPECT_EQ(active_cores(edited(group, lines)), expected);
+    EXPECT_EQ(active_cores(test::printed_with_input(lines + "\n", [&] { edit_cores(group); })), expected);
     EXPECT_TRUE(group.empty());
 }
 

@@ -1,10 +1,6 @@
 #include "parallel/topology/core_list.h"
 
-#include "app/raised.h"
-
 #include <gtest/gtest.h>
-
-#include <tuple>
 
 namespace {
 
@@ -26,18 +22,6 @@ TEST(CoreList, ALineBreaksAtTheWrongColumn) {
         {{4294967294u, 4294967295u}, 0, 60, "4294967294-4294967295 \n"},
     };
     for (const auto& c : cases) EXPECT_EQ(core_list_text(c.cores, c.indent, c.width), c.text);
-}
-
-TEST(CoreRange, ABadOneIsTaken) {
-    const std::tuple<const char*, unsigned, unsigned> good[] = {
-        {"0", 0, 0}, {"4-7", 4, 7}, {"7-7", 7, 7}, {"007", 7, 7}, {"1-99999999999999999999", 1, 4294967295u}};
-    for (const auto& [text, first, last] : good) {
-        const CoreRange range = parse_core_range(text);
-        EXPECT_EQ(range.first, first) << text;
-        EXPECT_EQ(range.last, last) << text;
-    }
-    for (const char* text : {"", "-", "3-", "-3", "3-1", "1-2-3", "1,2", "4x", "1 - 2", "1-2 ", "+1"})
-        EXPECT_TRUE(test::raised_by([&] { parse_core_range(text); }).starts_with("ParseException: ")) << text;
 }
 
 } // namespace
