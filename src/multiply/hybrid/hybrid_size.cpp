@@ -34,6 +34,16 @@ HybridRow hybrid_row(std::uint64_t bits) {
     throw LimitExceededException("hybrid_row()", "Product is too large.", hybrid_max_bits, bits);
 }
 
+std::uint64_t largest_hybrid_ring_bits(std::uint64_t bits) {
+    std::uint64_t largest = 0;
+    for (const auto rows : {hybrid_rows(), long_hybrid_rows()})
+        for (const HybridRow& row : rows) {
+            largest = std::max(largest, 32 * row.n());
+            if (row.capacity_bits() >= bits) break;
+        }
+    return largest;
+}
+
 unsigned cache_split(unsigned k, std::size_t n) {
     const auto fits = [n](unsigned v) { return (((n + 1) << v) + 2 * (n + 1)) * 4 < cache_bytes; };
     unsigned levels = 2;

@@ -30,6 +30,9 @@ inline constexpr std::uint64_t least_fft_ring = 24;
 /// The row of least capacity for a product of `bits`. Throws LimitExceededException beyond hybrid_max_bits.
 HybridRow hybrid_row(std::uint64_t bits);
 
+/// The largest ring, in bits N, of any row that products of at most `bits` take.
+std::uint64_t largest_hybrid_ring_bits(std::uint64_t bits);
+
 /// The rows that hybrid_row() takes first, and those for what is beyond, each by rising capacity.
 std::span<const HybridRow> hybrid_rows();
 std::span<const HybridRow> long_hybrid_rows();

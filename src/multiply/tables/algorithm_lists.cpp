@@ -8,6 +8,7 @@ std::span<const AlgorithmRow> basic_rows() {
     static constexpr AlgorithmRow rows[] = {
         {"BKT", 6400},
         {"FFT", 14680064},
+        {"HNT", std::uint64_t{1} << 38},
     };
     return rows;
 }

@@ -2,6 +2,7 @@
 
 #include "multiply/algorithms/bkt_algorithm.h"
 #include "multiply/algorithms/fft_algorithm.h"
+#include "multiply/algorithms/hnt_algorithm.h"
 
 namespace zvp {
 
@@ -15,9 +16,10 @@ std::pair<std::string, AlgorithmKinds> row(const MultiplyAlgorithm<c32i>& basic_
 } // namespace
 
 const Registry<AlgorithmKinds>& algorithm_registry() {
-    static const Registry<AlgorithmKinds> registry(
-        "Duplicate Multiply Algorithm",
-        {row(bkt_algorithm<c32i>(), bkt_algorithm<c64i>()), row(fft_algorithm<c32i>(), fft_algorithm<c64i>())});
+    static const Registry<AlgorithmKinds> registry("Duplicate Multiply Algorithm",
+                                                   {row(bkt_algorithm<c32i>(), bkt_algorithm<c64i>()),
+                                                    row(fft_algorithm<c32i>(), fft_algorithm<c64i>()),
+                                                    row(hnt_algorithm<c32i>(), hnt_algorithm<c64i>())});
     return registry;
 }
 
