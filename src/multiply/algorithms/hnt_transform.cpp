@@ -42,6 +42,22 @@ void HNTTransform::inverse_fmul(const MultiplyParameters& pars, std::byte* M, st
     hybrid_product(make_job(size, pars, M), elements(Xa), elements(Xa), elements(Xb), T, s, e);
 }
 
+void HNTTransform::forward_fsqr(const MultiplyParameters& pars, std::byte* M, std::byte* X, const c32i* A,
+                                std::size_t AL, c32i* T, std::size_t s, std::size_t e) const {
+    check_capacity(AL);
+    check_capacity(e);
+    hybrid_multiply(make_job(size, pars, M), {elements(X), A, AL}, {elements(X), nullptr, 0}, T, s, e);
+}
+
+void HNTTransform::forward_fmul(const MultiplyParameters& pars, std::byte* M, std::byte* Xa, const c32i* A,
+                                std::size_t AL, std::byte* Xb, const c32i* B, std::size_t BL, c32i* T, std::size_t s,
+                                std::size_t e) const {
+    check_capacity(AL);
+    check_capacity(BL);
+    check_capacity(e);
+    hybrid_multiply(make_job(size, pars, M), {elements(Xa), A, AL}, {elements(Xb), B, BL}, T, s, e);
+}
+
 bool HNTTransform::compatible(const Transform& other) const {
     const auto* same_class = dynamic_cast<const HNTTransform*>(&other);
     return same_class && same_class->size.k == size.k && same_class->size.m == size.m;

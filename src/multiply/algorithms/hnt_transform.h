@@ -16,6 +16,8 @@ public:
     const char* name() const override { return id; }
 
     using WordPairTransform::forward;
+    using WordPairTransform::forward_fmul;
+    using WordPairTransform::forward_fsqr;
     using WordPairTransform::inverse_fmul;
     using WordPairTransform::inverse_fsqr;
     void forward(const MultiplyParameters& pars, std::byte* M, std::byte* X, const c32i* A,
@@ -24,6 +26,11 @@ public:
                       std::size_t s, std::size_t e) const override;
     void inverse_fmul(const MultiplyParameters& pars, std::byte* M, std::byte* Xa, const std::byte* Xb, c32i* T,
                       std::size_t s, std::size_t e) const override;
+    void forward_fsqr(const MultiplyParameters& pars, std::byte* M, std::byte* X, const c32i* A, std::size_t AL,
+                      c32i* T, std::size_t s, std::size_t e) const override;
+    void forward_fmul(const MultiplyParameters& pars, std::byte* M, std::byte* Xa, const c32i* A, std::size_t AL,
+                      std::byte* Xb, const c32i* B, std::size_t BL, c32i* T, std::size_t s,
+                      std::size_t e) const override;
     bool compatible(const Transform& other) const override;
 
 private:

@@ -47,22 +47,27 @@ const limb* pad(limb* T, const c32i* words, std::size_t n) {
     return T;
 }
 
-/// The schoolbook product of operands one or both of which end in half a limb; if they are longer than tiny, such an
-/// operand is copied to `scratch`. T takes the limbs below the top one, and half of that if only one of the two is odd.
+/// The product of operands that tiny_halves limbs hold, one or both of which end in half a limb. T takes the limbs below
+/// the top one, and half of that if only one of the two is odd.
+[[gnu::noinline]] void mul_tiny_halves(const c32i* A, std::size_t a, const c32i* B, std::size_t b, c32i* T) {
+    if (a < b) {
+        std::swap(A, B);
+        std::swap(a, b);
+    }
+    const bool half_a = !whole_limbs<c32i>(a), half_b = !whole_limbs<c32i>(b);
+    const std::uint64_t top = multiply_tiny_halves(limbs_of(T), limbs_of(A), limbs_for<c32i>(a), limbs_of(B),
+                                                   limbs_for<c32i>(b), half_a, half_b);
+    if (half_a != half_b) T[a + b - 1] = static_cast<c32i>(top);
+}
+
+/// The same for schoolbook products of any lengths; an operand that ends in half a limb is copied to `scratch`.
 void mul_halves(const ProductKernels& kernels, const c32i* A, std::size_t a, const c32i* B, std::size_t b, c32i* T,
                 limb* scratch) {
     const bool half_a = !whole_limbs<c32i>(a), half_b = !whole_limbs<c32i>(b);
     const std::size_t la = limbs_for<c32i>(a), lb = limbs_for<c32i>(b);
-    std::uint64_t top;
-    if (la <= tiny_halves && lb <= la) {
-        top = multiply_tiny_halves(limbs_of(T), limbs_of(A), la, limbs_of(B), lb, half_a, half_b);
-    } else if (lb <= tiny_halves && la < lb) {
-        top = multiply_tiny_halves(limbs_of(T), limbs_of(B), lb, limbs_of(A), la, half_b, half_a);
-    } else {
-        const limb* const x = half_a ? pad(scratch, A, a) : limbs_of(A);
-        const limb* const y = half_b ? pad(scratch + la, B, b) : limbs_of(B);
-        top = multiply_schoolbook(kernels, limbs_of(T), x, la, y, lb);
-    }
+    const limb* const x = half_a ? pad(scratch, A, a) : limbs_of(A);
+    const limb* const y = half_b ? pad(scratch + la, B, b) : limbs_of(B);
+    const std::uint64_t top = multiply_schoolbook(kernels, limbs_of(T), x, la, y, lb);
     if (half_a != half_b) T[a + b - 1] = static_cast<c32i>(top);
 }
 
@@ -138,7 +143,9 @@ template <class Word>
 void Kernels<Word>::mulB(const Word* A, std::size_t a, const Word* B, std::size_t b, Word* T) const {
     const std::size_t la = limbs_for<Word>(a), lb = limbs_for<Word>(b);
     if constexpr (limb_words < Word >> 1)
-        if (!whole_limbs<Word>(a) || !whole_limbs<Word>(b)) return mul_halves(limbs, A, a, B, b, T);
+        if (!whole_limbs<Word>(a) || !whole_limbs<Word>(b))
+            return la <= tiny_halves && lb <= tiny_halves ? mul_tiny_halves(A, a, B, b, T)
+                                                          : mul_halves(limbs, A, a, B, b, T);
     limbs_of(T)[la + lb - 1] = multiply_schoolbook(limbs, limbs_of(T), limbs_of(A), la, limbs_of(B), lb);
 }
 
@@ -158,7 +165,9 @@ template <class Word>
 void Kernels<Word>::mul(const Word* A, std::size_t a, const Word* B, std::size_t b, Word* T, void* S) const {
     const std::size_t la = limbs_for<Word>(a), lb = limbs_for<Word>(b);
     if constexpr (limb_words < Word >> 1)
-        if (!whole_limbs<Word>(a) || !whole_limbs<Word>(b)) return mul_halves(limbs, A, a, B, b, T, S);
+        if (!whole_limbs<Word>(a) || !whole_limbs<Word>(b))
+            return la <= tiny_halves && lb <= tiny_halves ? mul_tiny_halves(A, a, B, b, T)
+                                                          : mul_halves(limbs, A, a, B, b, T, S);
     if (schoolbook(limbs, la, lb))
         limbs_of(T)[la + lb - 1] = multiply_schoolbook(limbs, limbs_of(T), limbs_of(A), la, limbs_of(B), lb);
     else

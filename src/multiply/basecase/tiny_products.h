@@ -9,7 +9,7 @@ namespace zvp::MULB {
 /// of kernels says from where its own loops are faster (ProductKernels::tiny_mul).
 inline constexpr std::size_t tiny_product = 8;
 inline constexpr std::size_t tiny_square = 12;
-inline constexpr std::size_t tiny_halves = 4;
+inline constexpr std::size_t tiny_halves = 6;
 
 /// T[0, a + b - 1) = A * B without its top limb, which is returned; tiny_product >= a >= b >= 1.
 std::uint64_t multiply_tiny(limb* T, const limb* A, std::size_t a, const limb* B, std::size_t b);

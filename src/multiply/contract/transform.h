@@ -43,12 +43,40 @@ public:
     /// Whether forward forms of this object and of the other may be combined: the same class and the same length.
     virtual bool compatible(const Transform& other) const = 0;
 
+    /// forward of A into X, then the square of it; X ends as scratch. Algorithms that gain by it make one of the two.
+    virtual void forward_fsqr(const MultiplyParameters& pars, std::byte* M, std::byte* X, const c32i* A, std::size_t AL,
+                              c32i* T, std::size_t s, std::size_t e) const {
+        forward(pars, M, X, A, AL);
+        inverse_fsqr(pars, M, X, X, T, s, e);
+    }
+    virtual void forward_fsqr(const MultiplyParameters& pars, std::byte* M, std::byte* X, const c64i* A, std::size_t AL,
+                              c64i* T, std::size_t s, std::size_t e) const {
+        forward(pars, M, X, A, AL);
+        inverse_fsqr(pars, M, X, X, T, s, e);
+    }
+
+    /// forward of B into Xb, unless B is null and Xb holds a form; forward of A into Xa; their product. Xb ends as a
+    /// form, Xa as scratch.
+    virtual void forward_fmul(const MultiplyParameters& pars, std::byte* M, std::byte* Xa, const c32i* A,
+                              std::size_t AL, std::byte* Xb, const c32i* B, std::size_t BL, c32i* T, std::size_t s,
+                              std::size_t e) const {
+        if (B) forward(pars, M, Xb, B, BL);
+        forward(pars, M, Xa, A, AL);
+        inverse_fmul(pars, M, Xa, Xb, T, s, e);
+    }
+    virtual void forward_fmul(const MultiplyParameters& pars, std::byte* M, std::byte* Xa, const c64i* A,
+                              std::size_t AL, std::byte* Xb, const c64i* B, std::size_t BL, c64i* T, std::size_t s,
+                              std::size_t e) const {
+        if (B) forward(pars, M, Xb, B, BL);
+        forward(pars, M, Xa, A, AL);
+        inverse_fmul(pars, M, Xa, Xb, T, s, e);
+    }
+
     /// forward of A into X, square. X ends as scratch.
     template <class Word>
     void sqr_r_x(const MultiplyParameters& pars, std::byte* M, Word* T, std::size_t s, std::size_t e, std::byte* X,
                  const Word* A, std::size_t AL) const {
-        forward(pars, M, X, A, AL);
-        inverse_fsqr(pars, M, X, X, T, s, e);
+        forward_fsqr(pars, M, X, A, AL, T, s, e);
     }
 
     /// forward of A into Xf, square. Xf ends as A's forward form.
@@ -63,15 +91,16 @@ public:
     template <class Word>
     void mul_rf_xf(const MultiplyParameters& pars, std::byte* M, Word* T, std::size_t s, std::size_t e, std::byte* Xa,
                    const Word* A, std::size_t AL, const std::byte* Xb) const {
-        forward(pars, M, Xa, A, AL);
-        inverse_fmul(pars, M, Xa, Xb, T, s, e);
+        // Without B, Xb is only read.
+        forward_fmul(pars, M, Xa, A, AL, const_cast<std::byte*>(Xb), static_cast<const Word*>(nullptr), 0, T, s, e);
     }
 
     /// forward of B into Xb, forward of A into Xa, product. Xb ends as B's forward form.
     template <class Word>
     void mul_rr_xf(const MultiplyParameters& pars, std::byte* M, Word* T, std::size_t s, std::size_t e, std::byte* Xa,
                    const Word* A, std::size_t AL, std::byte* Xb, const Word* B, std::size_t BL) const {
-        forward(pars, M, Xb, B, BL);
+        if (BL > 0) return forward_fmul(pars, M, Xa, A, AL, Xb, B, BL, T, s, e);
+        forward(pars, M, Xb, B, 0);
         mul_rf_xf(pars, M, T, s, e, Xa, A, AL, Xb);
     }
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <vector>
 
 namespace zvp {
 
@@ -49,43 +48,50 @@ constexpr std::array<Octave, 26> octaves{{
     {{8, none, none}, {none, none, none}},
 }};
 
-template <class Visit>
-void for_each_length(Visit visit) {
+constexpr FftLength make_length(std::uint32_t code, unsigned bits_per_point) {
+    const unsigned octave = code >> 2;
+    FftLength length{code, 1, octave, 0, bits_per_point};
+    if ((code & 3) == 1) length.m = 5, length.k = octave - 2;
+    if ((code & 3) == 2) length.m = 3, length.k = octave - 1;
+    length.L = std::uint64_t{length.m} << length.k;
+    return length;
+}
+
+constexpr bool smaller_capacity(const FftLength& a, const FftLength& b) {
+    return a.capacity_bits() != b.capacity_bits() ? a.capacity_bits() < b.capacity_bits() : a.code < b.code;
+}
+
+constexpr std::size_t most_rows = 26 * 3 * 15;
+
+/// Rows by rising capacity; of equal ones that of the smallest length.
+struct Rows {
+    std::array<FftLength, most_rows> row{};
+    std::size_t count = 0;
+
+    constexpr void sort() {
+        std::sort(row.begin(), row.begin() + static_cast<std::ptrdiff_t>(count), smaller_capacity);
+        const auto same = [](const FftLength& a, const FftLength& b) { return a.capacity_bits() == b.capacity_bits(); };
+        count = static_cast<std::size_t>(
+            std::unique(row.begin(), row.begin() + static_cast<std::ptrdiff_t>(count), same) - row.begin());
+    }
+};
+
+/// For products every length stands once, for rings with all bits per point from the least to its most.
+constexpr Rows make_rows(bool rings) {
+    Rows rows;
     for (std::size_t octave = 0; octave < octaves.size(); ++octave)
         for (unsigned family = 0; family < 3; ++family) {
-            if (octaves[octave].product[family] == none) continue;
             const auto code = static_cast<std::uint32_t>(4 * (octave + first_octave) + family);
-            visit(decode_fft_length(code), octaves[octave].product[family], octaves[octave].ring[family]);
+            const unsigned most = rings ? octaves[octave].ring[family] : octaves[octave].product[family];
+            for (unsigned bits = rings ? least_ring_bits : most; bits != none && bits <= most; ++bits)
+                rows.row[rows.count++] = make_length(code, bits);
         }
-}
-
-bool smaller_capacity(const FftLength& a, const FftLength& b) { return a.capacity_bits() < b.capacity_bits(); }
-
-/// The table for products: one row for each length.
-std::vector<FftLength> make_lengths() {
-    std::vector<FftLength> rows;
-    for_each_length([&rows](FftLength length, unsigned product, unsigned) {
-        length.bits_per_point = product;
-        rows.push_back(length);
-    });
-    std::sort(rows.begin(), rows.end(), smaller_capacity);
+    rows.sort();
     return rows;
 }
 
-/// The table for rings: every capacity once, by the smallest length that has it.
-std::vector<FftLength> make_ring_lengths() {
-    std::vector<FftLength> rows;
-    for_each_length([&rows](FftLength length, unsigned, unsigned most) {
-        for (unsigned bits = least_ring_bits; bits <= most; ++bits) {
-            length.bits_per_point = bits;
-            rows.push_back(length);
-        }
-    });
-    std::stable_sort(rows.begin(), rows.end(), smaller_capacity);
-    const auto same = [](const FftLength& a, const FftLength& b) { return a.capacity_bits() == b.capacity_bits(); };
-    rows.erase(std::unique(rows.begin(), rows.end(), same), rows.end());
-    return rows;
-}
+constexpr Rows product_rows = make_rows(false);
+constexpr Rows ring_rows = make_rows(true);
 
 const FftLength* first_of_capacity(std::span<const FftLength> rows, std::uint64_t bits) {
     const auto below = [](const FftLength& row, std::uint64_t wanted) { return row.capacity_bits() < wanted; };
@@ -94,19 +100,6 @@ const FftLength* first_of_capacity(std::span<const FftLength> rows, std::uint64_
 }
 
 } // namespace
-
-FftLength decode_fft_length(std::uint32_t code) {
-    FftLength length;
-    length.code = code;
-    switch (code & 3) {
-    case 0: length.m = 1, length.k = code >> 2; break;
-    case 1: length.m = 5, length.k = (code >> 2) - 2; break;
-    case 2: length.m = 3, length.k = (code >> 2) - 1; break;
-    default: length.m = 7, length.k = (code >> 2) - 2; break;
-    }
-    length.L = std::uint64_t{length.m} << length.k;
-    return length;
-}
 
 FftLength fft_length(std::uint64_t bits) {
     const FftLength* row = first_of_capacity(fft_lengths(), bits);
@@ -121,14 +114,8 @@ FftLength fft_ring_length(std::uint64_t bits) {
     return *row;
 }
 
-std::span<const FftLength> fft_lengths() {
-    static const std::vector<FftLength> rows = make_lengths();
-    return rows;
-}
+std::span<const FftLength> fft_lengths() { return {product_rows.row.data(), product_rows.count}; }
 
-std::span<const FftLength> fft_ring_lengths() {
-    static const std::vector<FftLength> rows = make_ring_lengths();
-    return rows;
-}
+std::span<const FftLength> fft_ring_lengths() { return {ring_rows.row.data(), ring_rows.count}; }
 
 } // namespace zvp

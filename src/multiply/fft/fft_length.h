@@ -17,11 +17,8 @@ struct FftLength {
     std::uint64_t L = 0; // real points
     unsigned bits_per_point = 0;
 
-    std::uint64_t capacity_bits() const { return L * bits_per_point; }
+    constexpr std::uint64_t capacity_bits() const { return L * bits_per_point; }
 };
-
-/// The family and exponent of a length code. 24 (64 points) is the smallest.
-FftLength decode_fft_length(std::uint32_t code);
 
 /// The length of the least capacity for a product of `bits`. Throws LimitExceededException beyond fft_max_bits.
 FftLength fft_length(std::uint64_t bits);

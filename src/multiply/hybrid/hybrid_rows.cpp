@@ -3,7 +3,7 @@
 #include "multiply/hybrid/hybrid_size.h"
 
 #include <algorithm>
-#include <vector>
+#include <array>
 
 namespace zvp {
 
@@ -38,24 +38,26 @@ constexpr HybridRow rows[] = {
     {13, 208},  {15, 14},   {13, 224},  {14, 60},
 };
 
-bool smaller_capacity(const HybridRow& a, const HybridRow& b) { return a.capacity_bits() < b.capacity_bits(); }
+/// For what is beyond: all m up to 15 for most k.
+constexpr std::size_t long_row_count = 7 + 13 * 15 + 3 + 1;
 
-std::vector<HybridRow> make_long_rows() {
-    std::vector<HybridRow> long_rows;
+constexpr std::array<HybridRow, long_row_count> make_long_rows() {
+    std::array<HybridRow, long_row_count> long_rows{};
+    std::size_t count = 0;
     for (unsigned k = 8; k <= 23; ++k)
         for (unsigned m = k == 8 ? 2 : 1; m <= (k == 23 ? 1U : k == 22 ? 3U : 15U); m += k == 8 ? 2 : 1)
-            long_rows.push_back({static_cast<std::uint8_t>(k), static_cast<std::uint16_t>(m)});
-    std::sort(long_rows.begin(), long_rows.end(), smaller_capacity);
+            long_rows[count++] = {static_cast<std::uint8_t>(k), static_cast<std::uint16_t>(m)};
+    std::sort(long_rows.begin(), long_rows.end(),
+              [](const HybridRow& a, const HybridRow& b) { return a.capacity_bits() < b.capacity_bits(); });
     return long_rows;
 }
+
+constexpr std::array<HybridRow, long_row_count> sorted_long_rows = make_long_rows();
 
 } // namespace
 
 std::span<const HybridRow> hybrid_rows() { return rows; }
 
-std::span<const HybridRow> long_hybrid_rows() {
-    static const std::vector<HybridRow> long_rows = make_long_rows();
-    return long_rows;
-}
+std::span<const HybridRow> long_hybrid_rows() { return sorted_long_rows; }
 
 } // namespace zvp

@@ -102,9 +102,7 @@ void product_block(const HybridJob& job, RingWord* Xd, const RingWord* Xa, const
     for (std::uint64_t i = 0; i < split.columns(); ++i) inverse_levels(job, column_of(job, Xd, split, i), scratch);
 }
 
-} // namespace
-
-void hybrid_forward(const HybridJob& job, RingWord* X, const RingWord* A, std::size_t AL) {
+void forward_columns(const HybridJob& job, RingWord* X, const RingWord* A, std::size_t AL) {
     const Split split = split_of(job, job.size.k);
     run_ranges(job, split.columns(), [&](std::uint64_t begin, std::uint64_t end, TaskScratch scratch) {
         for (std::uint64_t i = begin; i < end; ++i) {
@@ -113,26 +111,16 @@ void hybrid_forward(const HybridJob& job, RingWord* X, const RingWord* A, std::s
             forward_levels(job, column, scratch);
         }
     });
-    run_ranges(job, split.rows(), [&](std::uint64_t begin, std::uint64_t end, TaskScratch scratch) {
-        for (std::uint64_t i = begin; i < end; ++i)
-            forward_block(job, row_of(job, X, split, i), split.row_levels, scratch);
-    });
 }
 
-void hybrid_product(const HybridJob& job, RingWord* Xd, const RingWord* Xa, const RingWord* Xb, RingWord* T,
-                    std::size_t s, std::size_t e) {
+/// The last pass of the inverse, and the way out.
+void inverse_columns(const HybridJob& job, RingWord* X, RingWord* T, std::size_t s, std::size_t e) {
     const HybridSize& size = job.size;
     const Split split = split_of(job, size.k);
-    run_ranges(job, split.rows(), [&](std::uint64_t begin, std::uint64_t end, TaskScratch scratch) {
-        for (std::uint64_t i = begin; i < end; ++i) {
-            const std::size_t offset = i * (size.stride << split.row_levels);
-            product_block(job, Xd + offset, Xa + offset, Xb + offset, split.row_levels, scratch);
-        }
-    });
     const CoefficientOutput output(job, T, s, e);
     const auto columns = [&](std::uint64_t begin, std::uint64_t end, TaskScratch scratch) {
         for (std::uint64_t i = begin; i < end; ++i) {
-            const ElementSet column = column_of(job, Xd, split, i);
+            const ElementSet column = column_of(job, X, split, i);
             inverse_levels(job, column, scratch);
             for (std::uint64_t t = 0; t < split.rows(); ++t)
                 output.put(i + t * split.columns(), column.at(t), i > begin ? column.at(t) - size.stride : nullptr,
@@ -145,8 +133,47 @@ void hybrid_product(const HybridJob& job, RingWord* Xd, const RingWord* Xa, cons
     for (std::uint64_t t = 0; t < split.rows(); ++t)
         for (std::uint32_t task = 0; task < ranges.tasks(); ++task) {
             const std::uint64_t last = ranges.boundary(task + 1) - 1 + t * split.columns();
-            output.finish_run(last, Xd + last * size.stride);
+            output.finish_run(last, X + last * size.stride);
         }
+}
+
+/// Calls work(offset, scratch) for each row, whose elements begin so many words into a form.
+template <class Work>
+void run_rows(const HybridJob& job, const Work& work) {
+    const Split split = split_of(job, job.size.k);
+    run_ranges(job, split.rows(), [&](std::uint64_t begin, std::uint64_t end, TaskScratch scratch) {
+        for (std::uint64_t i = begin; i < end; ++i) work(i * (job.size.stride << split.row_levels), scratch);
+    });
+}
+
+} // namespace
+
+void hybrid_forward(const HybridJob& job, RingWord* X, const RingWord* A, std::size_t AL) {
+    const unsigned row_levels = split_of(job, job.size.k).row_levels;
+    forward_columns(job, X, A, AL);
+    run_rows(job, [&](std::size_t row, TaskScratch scratch) { forward_block(job, X + row, row_levels, scratch); });
+}
+
+void hybrid_product(const HybridJob& job, RingWord* Xd, const RingWord* Xa, const RingWord* Xb, RingWord* T,
+                    std::size_t s, std::size_t e) {
+    const unsigned row_levels = split_of(job, job.size.k).row_levels;
+    run_rows(job, [&](std::size_t row, TaskScratch scratch) {
+        product_block(job, Xd + row, Xa + row, Xb + row, row_levels, scratch);
+    });
+    inverse_columns(job, Xd, T, s, e);
+}
+
+void hybrid_multiply(const HybridJob& job, const HybridOperand& a, const HybridOperand& b, RingWord* T, std::size_t s,
+                     std::size_t e) {
+    const unsigned row_levels = split_of(job, job.size.k).row_levels;
+    for (const HybridOperand& operand : {a, b})
+        if (operand.words) forward_columns(job, operand.X, operand.words, operand.length);
+    run_rows(job, [&](std::size_t row, TaskScratch scratch) {
+        for (const HybridOperand& operand : {b, a})
+            if (operand.words) forward_block(job, operand.X + row, row_levels, scratch);
+        product_block(job, a.X + row, a.X + row, b.X + row, row_levels, scratch);
+    });
+    inverse_columns(job, a.X, T, s, e);
 }
 
 } // namespace zvp

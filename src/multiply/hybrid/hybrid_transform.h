@@ -30,10 +30,22 @@ struct HybridJob {
 /// X = forward form of the AL words at A; 32 AL is at most the capacity.
 void hybrid_forward(const HybridJob& job, RingWord* X, const RingWord* A, std::size_t AL);
 
+/// An operand of a product: raw words, whose forward form is left in X, or, without words, the form that X holds.
+struct HybridOperand {
+    RingWord* X;
+    const RingWord* words;
+    std::size_t length;
+};
+
 /// T = words s .. e - 1 of the product of the forward forms Xa and Xb modulo 2^capacity - 1. Xd takes the work and may be
 /// Xa; Xb may be Xa, and survives when it isn't Xd. Throws AlgorithmFailedException, "Coefficient is too large.", when a
 /// coefficient is larger than operands can make it: a fault of the memory or the processor.
 void hybrid_product(const HybridJob& job, RingWord* Xd, const RingWord* Xa, const RingWord* Xb, RingWord* T,
                     std::size_t s, std::size_t e);
+
+/// The same product of operands of which one at least is raw. A row is transformed, multiplied and transformed back
+/// while the cache holds it. a.X takes the work; b.X ends as a forward form. A square has b.X = a.X and no words for b.
+void hybrid_multiply(const HybridJob& job, const HybridOperand& a, const HybridOperand& b, RingWord* T, std::size_t s,
+                     std::size_t e);
 
 } // namespace zvp
