@@ -1,6 +1,7 @@
 #pragma once
 // The smallest products: schoolbook and subtractive Karatsuba on one thread, without a heap. T overlaps neither operand
-// nor S. Lengths are in words of the kind; S is scratch of mul_scratch() bytes, aligned to a c64i.
+// nor S. Lengths are in words of the kind; arrays need the alignment of a word, S that of a c64i. Both kinds run on limbs
+// of 64 bits, with the loops of the process's kernel set; S is scratch of mul_scratch() bytes.
 
 #include "multiply/words/word_types.h"
 
