@@ -77,15 +77,31 @@ void write_pass(const RootWriter& writer, unsigned m, unsigned level, double* ou
         writer.node(level, writer.node_fraction(level, node), 8, out + pass_doubles * node, 1);
 }
 
-/// One base: the roots of its own node, then those of its descendants, lane by lane.
-void write_bases(const RootWriter& writer, unsigned m, unsigned level, unsigned lanes, double* out) {
-    for (std::uint64_t node = 0; node < std::uint64_t{m} << level; ++node) {
+/// One base: the roots of its own node, then those of its descendants, lane by lane, or of the first alone.
+void write_bases(const RootWriter& writer, unsigned m, unsigned level, const FftShape& shape, double* out) {
+    const unsigned lanes = shape.lanes, below = level + log2_of(lanes);
+    for (std::uint64_t node = 0; node < std::uint64_t{m} << level; ++node, out += shape.base_doubles()) {
         const std::uint64_t f = writer.node_fraction(level, node);
         writer.node(level, f, lanes, out, 1);
-        out += lanes;
+        if (shape.short_bases) {
+            writer.node(below, f, lanes, out + lanes, 1);
+            continue;
+        }
         for (unsigned lane = 0; lane < lanes; ++lane)
-            writer.node(level + log2_of(lanes), writer.descendant(level, f, lane, lanes), lanes, out + lane, lanes);
-        out += std::size_t{lanes} * lanes;
+            writer.node(below, writer.descendant(level, f, lane, lanes), lanes, out + lanes + lane, lanes);
+    }
+}
+
+/// The roots of the descendants `lane` of one node, less those of the first.
+void write_lanes(unsigned lanes, double* out) {
+    const RootOfUnity root(1, 6); // order 256
+    for (unsigned lane = 0; lane < lanes; ++lane) {
+        const std::uint64_t f = reverse_bits(lane, log2_of(lanes)) * 256 / lanes; // of a turn
+        for (unsigned i = 0; i < lanes / 2; ++i) {
+            const std::complex<double> value = root((f >> (i < 3 ? i + 1 : 3)) + (i == 3 ? 32 : 0));
+            out[2 * lanes * i + lane] = value.real();
+            out[2 * lanes * i + lanes + lane] = value.imag();
+        }
     }
 }
 
@@ -98,6 +114,12 @@ unsigned wide_lanes(platform::KernelSet set) {
     return 2;
 }
 
+/// From here on reading the roots of all lanes takes longer than making them: points that the first cache doesn't hold.
+bool has_short_bases(unsigned m, unsigned lanes, unsigned level) {
+    constexpr std::uint64_t least_points = 1 << 14;
+    return (std::uint64_t{m} << level) * lanes * lanes >= least_points;
+}
+
 } // namespace
 
 FftShape fft_shape(platform::KernelSet set, const FftLength& length) {
@@ -107,6 +129,7 @@ FftShape fft_shape(platform::KernelSet set, const FftLength& length) {
     const std::uint64_t least = length.m == 1 ? 2 : 1;
     if (shape.lanes == 8 && block < least * 64) shape.lanes = 4;
     shape.levels = log2_of(block) - 2 * log2_of(shape.lanes);
+    shape.short_bases = has_short_bases(length.m, shape.lanes, shape.levels);
     return shape;
 }
 
@@ -131,6 +154,10 @@ void FftTables::ensure_rings(std::uint64_t bits) {
 /// Visits every table in its order in memory, with its size and what writes it.
 template <class Visit>
 void FftTables::for_each_table(Visit visit) {
+    for (unsigned width = 2; width <= most_lanes; width *= 2)
+        if (std::ranges::any_of(family, [=](const Family& f) { return f.base_levels[width] > 0; }))
+            visit(0U, lane_tables[width < 8], std::size_t{width} * width,
+                  [=](const RootWriter&, double* out) { write_lanes(width, out); });
     for (unsigned index = 0; index < families; ++index) {
         Family& f = family[index];
         const unsigned m = family_m[index];
@@ -141,9 +168,9 @@ void FftTables::for_each_table(Visit visit) {
                   [=](const RootWriter& writer, double* out) { write_pass(writer, m, level, out); });
         for (unsigned lanes = 2; lanes <= most_lanes; lanes *= 2)
             for (unsigned level = 0; level < f.base_levels[lanes]; ++level) {
-                const FftShape shape{lanes, level};
+                const FftShape shape{lanes, level, has_short_bases(m, lanes, level)};
                 visit(index, f.bases[lanes < 8][level], shape.base_doubles() * m << level,
-                      [=](const RootWriter& writer, double* out) { write_bases(writer, m, level, lanes, out); });
+                      [=](const RootWriter& writer, double* out) { write_bases(writer, m, level, shape, out); });
             }
     }
 }
@@ -184,7 +211,7 @@ FftTables::Roots FftTables::roots(const FftLength& length) const {
     const double* bases = f.bases[shape.lanes < 8][shape.levels];
     if (!bases || !f.front)
         throw InvalidParametersException("FftTables::roots()", "The tables weren't built for this length.");
-    return {f.front, f.passes.data(), bases};
+    return {f.front, f.passes.data(), bases, lane_tables[shape.lanes < 8], shape.short_bases};
 }
 
 } // namespace zvp

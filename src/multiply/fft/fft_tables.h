@@ -6,7 +6,8 @@
 //     f = (1 + 4 r) / (4 m 2^s) + reverse(k) / 2^s,    reverse: the s bits of k in opposite order.
 // At level 0 of family 1 that is x^n - i, whose products are those of the real points modulo x^(2n) + 1.
 // A pass over a node takes up to three levels at once and needs e^(2 pi i f/2), f/4, f/8 and f/8 + 1/8: eight doubles,
-// one cache line. The last levels are done within registers, by "bases", whose roots are stored as vectors.
+// one cache line. The last levels are done within registers, by "bases", whose lanes hold different nodes. Their roots are
+// stored as vectors for short lengths; for long ones as those of the first lane, which times a constant are the others'.
 
 #include "multiply/fft/fft_length.h"
 #include "platform/kernel_set.h"
@@ -18,10 +19,12 @@ namespace zvp {
 
 /// How the kernels of a set divide a length. A base is a block of lanes * lanes complex points.
 struct FftShape {
-    unsigned lanes = 0;  // doubles of a vector
-    unsigned levels = 0; // binary levels from the blocks behind the family's own butterfly down to the bases
+    unsigned lanes = 0;       // doubles of a vector
+    unsigned levels = 0;      // binary levels from the blocks behind the family's own butterfly down to the bases
+    bool short_bases = false; // the roots of a base's lanes are made when they are needed
 
-    std::size_t base_doubles() const { return lanes + std::size_t{lanes} * lanes; } // roots of one base
+    /// Roots of one base.
+    std::size_t base_doubles() const { return lanes + std::size_t{lanes} * (short_bases ? 1 : lanes); }
 };
 
 FftShape fft_shape(platform::KernelSet set, const FftLength& length);
@@ -46,6 +49,8 @@ public:
         const double* front;         // powers of the family's first root, (re, im)
         const double* const* passes; // by level: 8 doubles a node
         const double* bases;         // base_doubles() a node
+        const double* lanes;         // for short bases: what a base's lanes have apart from the first
+        bool short_bases;
     };
 
     /// Throws InvalidParametersException when the tables weren't placed for this length.
@@ -71,6 +76,7 @@ private:
 
     platform::KernelSet set;
     std::array<Family, families> family{};
+    std::array<const double*, 2> lane_tables{}; // for 8 lanes; for fewer
 };
 
 } // namespace zvp

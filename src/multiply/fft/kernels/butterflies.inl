@@ -123,6 +123,14 @@ ZVP_KERNEL_INLINE void load_roots(Complex (&root)[Roots], const double* table) {
     for (std::size_t i = 0; i < Roots; ++i) root[i] = Complex::load(table + complex_doubles * i);
 }
 
+/// The roots of V nodes that descend from one, lane by lane: what the lanes have apart from each other is the same for
+/// all nodes. Of four roots the last two differ by e^(i pi/4) alone.
+template <std::size_t Roots>
+ZVP_KERNEL_INLINE void lane_roots(Complex (&root)[Roots], const double* node, const double* lanes) {
+    for (std::size_t i = 0; i < Roots; ++i)
+        root[i] = Complex::load(lanes + complex_doubles * i) * Complex::broadcast(node + 2 * (i < 3 ? i : 2));
+}
+
 /// Swaps the roles of lanes and vectors.
 ZVP_KERNEL_INLINE void transpose(Complex (&a)[V]) {
     Doubles part[V];

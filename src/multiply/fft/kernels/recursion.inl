@@ -37,32 +37,51 @@ void inverse_pass(double* x, std::size_t stride, const double* roots) {
     }
 }
 
-ZVP_KERNEL_INLINE void forward_base(double* x, const double* roots) {
+/// Where a base finds its roots: all of them, or its own with those of its first descendant.
+template <bool Short>
+struct BaseRoots {
+    static constexpr std::size_t doubles = V + (Short ? V : V * V);
+
+    const double* table;
+    const double* lanes;
+
+    ZVP_KERNEL_INLINE BaseRoots(const FftJob& job, std::size_t node)
+        : table(job.roots.bases + node * doubles), lanes(job.roots.lanes) {}
+    ZVP_KERNEL_INLINE void own(Complex (&root)[V / 2]) const { broadcast_roots(root, table); }
+    ZVP_KERNEL_INLINE void of_lanes(Complex (&root)[V / 2]) const {
+        if constexpr (Short) {
+            lane_roots(root, table + V, lanes);
+        } else {
+            load_roots(root, table + V);
+        }
+    }
+};
+
+template <bool Short>
+ZVP_KERNEL_INLINE void forward_base(double* x, const BaseRoots<Short>& roots) {
     Complex a[V], root[V / 2];
     for (std::size_t t = 0; t < V; ++t) a[t] = Complex::load(x + t * complex_doubles);
-    broadcast_roots(root, roots);
+    roots.own(root);
     divide_all(a, root);
     transpose(a);
-    load_roots(root, roots + V);
+    roots.of_lanes(root);
     divide_all(a, root);
     for (std::size_t t = 0; t < V; ++t) a[t].store(x + t * complex_doubles);
 }
 
 /// Xd = inverse of Xa * Xb, on one base. Any of them may be the same.
-ZVP_KERNEL_INLINE void product_base(double* xd, const double* xa, const double* xb, const double* roots) {
+template <bool Short>
+ZVP_KERNEL_INLINE void product_base(double* xd, const double* xa, const double* xb, const BaseRoots<Short>& roots) {
     Complex a[V], root[V / 2];
     for (std::size_t t = 0; t < V; ++t)
         a[t] = Complex::load(xa + t * complex_doubles) * Complex::load(xb + t * complex_doubles);
-    load_roots(root, roots + V);
+    roots.of_lanes(root);
     join_all(a, root);
     transpose(a);
-    broadcast_roots(root, roots);
+    roots.own(root);
     join_all(a, root);
     for (std::size_t t = 0; t < V; ++t) a[t].store(xd + t * complex_doubles);
 }
-
-constexpr std::size_t base_block = V * complex_doubles; // doubles of a base's points
-constexpr std::size_t base_roots = V + V * V;
 
 template <class... Arguments>
 ZVP_KERNEL_INLINE void forward_pass_of(unsigned levels, Arguments... arguments) {
@@ -83,26 +102,39 @@ ZVP_KERNEL_INLINE void inverse_pass_of(unsigned levels, Arguments... arguments) 
 }
 
 /// Transforms the block at x, which is node `node` of `level`.
+template <bool Short>
 void forward_block(const FftJob& job, double* x, unsigned level, std::size_t node) {
     const unsigned left = job.levels - level;
-    if (left == 0) return forward_base(x, job.roots.bases + node * base_roots);
+    if (left == 0) return forward_base<Short>(x, {job, node});
     const unsigned step = pass_levels(left);
     const std::size_t radix = std::size_t{1} << step, stride = V << (left - step);
     forward_pass_of(step, x, stride, job.roots.passes[level] + 8 * node);
     for (std::size_t c = 0; c < radix; ++c)
-        forward_block(job, x + c * stride * complex_doubles, level + step, node * radix + c);
+        forward_block<Short>(job, x + c * stride * complex_doubles, level + step, node * radix + c);
 }
 
 /// Multiplies the forward forms Xa and Xb of one node and transforms back, to Xd.
+template <bool Short>
 void product_block(const FftJob& job, double* xd, const double* xa, const double* xb, unsigned level,
                    std::size_t node) {
     const unsigned left = job.levels - level;
-    if (left == 0) return product_base(xd, xa, xb, job.roots.bases + node * base_roots);
+    if (left == 0) return product_base<Short>(xd, xa, xb, {job, node});
     const unsigned step = pass_levels(left);
     const std::size_t radix = std::size_t{1} << step, stride = V << (left - step);
     for (std::size_t c = 0; c < radix; ++c) {
         const std::size_t offset = c * stride * complex_doubles;
-        product_block(job, xd + offset, xa + offset, xb + offset, level + step, node * radix + c);
+        product_block<Short>(job, xd + offset, xa + offset, xb + offset, level + step, node * radix + c);
     }
     inverse_pass_of(step, xd, stride, job.roots.passes[level] + 8 * node);
+}
+
+void forward_blocks(const FftJob& job, double* x, unsigned level, std::size_t node) {
+    if (job.roots.short_bases) return forward_block<true>(job, x, level, node);
+    forward_block<false>(job, x, level, node);
+}
+
+void product_blocks(const FftJob& job, double* xd, const double* xa, const double* xb, unsigned level,
+                    std::size_t node) {
+    if (job.roots.short_bases) return product_block<true>(job, xd, xa, xb, level, node);
+    product_block<false>(job, xd, xa, xb, level, node);
 }

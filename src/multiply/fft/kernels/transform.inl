@@ -9,9 +9,9 @@ void forward(const FftJob& job, double* x, const std::byte* bits, bool half) {
     if (job.family == 1) {
         const unsigned level = front_levels(job);
         const std::size_t blocks = std::size_t{1} << level, part = 2 * job.points >> level;
-        for (std::size_t c = 0; c < blocks; ++c) forward_block(job, x + c * part, level, c);
+        for (std::size_t c = 0; c < blocks; ++c) forward_blocks(job, x + c * part, level, c);
     } else {
-        for (std::size_t r = 0; r < job.family; ++r) forward_block(job, x + r * (2 * job.points / job.family), 0, r);
+        for (std::size_t r = 0; r < job.family; ++r) forward_blocks(job, x + r * (2 * job.points / job.family), 0, r);
     }
 }
 
@@ -21,11 +21,11 @@ void product_points(const FftJob& job, double* xd, const double* xa, const doubl
         const unsigned level = front_levels(job);
         const std::size_t blocks = std::size_t{1} << level, part = 2 * job.points >> level;
         for (std::size_t c = 0; c < blocks; ++c)
-            product_block(job, xd + c * part, xa + c * part, xb + c * part, level, c);
+            product_blocks(job, xd + c * part, xa + c * part, xb + c * part, level, c);
         return inverse_pass_of(level, xd, part / complex_doubles, job.roots.passes[0]);
     }
     const std::size_t part = 2 * job.points / job.family;
-    for (std::size_t r = 0; r < job.family; ++r) product_block(job, xd + r * part, xa + r * part, xb + r * part, 0, r);
+    for (std::size_t r = 0; r < job.family; ++r) product_blocks(job, xd + r * part, xa + r * part, xb + r * part, 0, r);
     if (job.family == 3) return family_inverse<3>(job, xd);
     family_inverse<5>(job, xd);
 }
