@@ -13,7 +13,7 @@
 //   set_BigFloat          keeps min(p+2, L) words                       0 <= exact - result < 1
 //   set_uadd              keeps p+1 words below the higher top          0 <= exact - result < 2
 //   set_usub, set_rsub    keep as many                                 -1 <  exact - result < 1
-//   set_mul, set_sqr      keep p+2 words of the product                 0 <= exact - result < 3
+//   set_mul, set_sqr      keep p+2 words of the product                 0 <= exact - result < 5
 //   set_mul_uW            cuts A to n words, then is exact              0 <= exact - result < |x|
 //   set_div_sW            keeps p+2 words from the top of A             0 <= exact - result < 1
 //
@@ -22,8 +22,9 @@
 // Products: cutting A to p+2 words loses less than one unit of its lowest word. If A was cut, the result's lowest word
 // has the weight of that one times the weight of B's top, so that this loses less than one unit of the result; as much
 // for B; and what stands below the words that are kept is less than a unit: three in all. The range that is asked of
-// mul() begins at s = AL + BL - (p+2) <= min(AL, BL), where mul() trims nothing away, so that its words are those of
-// the exact product. A result that was cut has at least p+1 words: the relative error is below 3 * W^-p.
+// mul() begins at s = AL + BL - (p+2) <= min(AL, BL), where mul() trims nothing away; but the algorithms of the longest
+// products leave out carries from below it: two units more. A product of which nothing is cut is exact. A result that was
+// cut has at least p+1 words: the relative error is below 5 * W^-p.
 // A product with a word x: the cut, below one unit, times x. The result is at least x * W^(n-1) units, so that the
 // relative error is below W^-(n-1); n = p+1, or p where x is a signed double word that fits a word.
 // A quotient by x: of the integer A' that the cut leaves, A'/x loses at most (x-1)/x, and the cut less than 1/x.
@@ -178,7 +179,7 @@ private:
     void append(Word top_word) { T[L++] = top_word; }
     void drop_top_zeros(const ParallelContext& ctx);
     bool strip_ones(const ParallelContext& ctx);
-    void set_signed_sum(std::size_t p, const ParallelContext& ctx, const BigFloat& A, const BigFloat& B, bool B_sign);
+    void set_signed_sum(std::size_t p, const ParallelContext& ctx, const BigFloat& A, const BigFloat& B, bool flip);
     void multiply_word(std::size_t n, const ParallelContext& ctx, const BigFloat& A, Word x);
     void finish_product(const WordWindow& A, const WordWindow& B, std::size_t kept, bool product_sign);
     WordWindow top_words(std::size_t n) const;

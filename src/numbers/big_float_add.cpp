@@ -56,12 +56,13 @@ void BigFloat::set_rsub(std::size_t p, const ParallelContext& ctx, const BigFloa
     drop_top_zeros(ctx);
 }
 
-/// A + B with B_sign in place of B's sign.
+/// A + B, or A - B: `flip` reads B's sign the other way round.
 void BigFloat::set_signed_sum(std::size_t p, const ParallelContext& ctx, const BigFloat& A, const BigFloat& B,
-                              bool B_sign) {
+                              bool flip) {
+    const bool B_sign = B.sign != flip;
     if (A.L == 0) {
         set_BigFloat(p, ctx, B);
-        sign = B_sign;
+        sign = sign != flip;
     } else if (B.L == 0) {
         set_BigFloat(p, ctx, A);
     } else if (A.sign == B_sign) {
@@ -79,11 +80,11 @@ void BigFloat::set_signed_sum(std::size_t p, const ParallelContext& ctx, const B
 }
 
 void BigFloat::set_add(std::size_t p, const ParallelContext& ctx, const BigFloat& A, const BigFloat& B) {
-    set_signed_sum(p, ctx, A, B, B.sign);
+    set_signed_sum(p, ctx, A, B, false);
 }
 
 void BigFloat::set_sub(std::size_t p, const ParallelContext& ctx, const BigFloat& A, const BigFloat& B) {
-    set_signed_sum(p, ctx, A, B, !B.sign);
+    set_signed_sum(p, ctx, A, B, true);
 }
 
 } // namespace zvp

@@ -4,7 +4,9 @@
 
 namespace zvp::platform {
 
-std::string_view system_error_text(int error) noexcept {
+std::string_view system_error_text(int error, FaultDirection direction) noexcept {
+    if (error == EIO && direction == FaultDirection::read) return "Read Fault";
+    if (error == EIO && direction == FaultDirection::write) return "Write Fault";
     switch (error) {
     case ENOENT:
     case ENOTDIR: return "Path does not exist.";

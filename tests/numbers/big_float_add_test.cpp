@@ -122,6 +122,10 @@ TEST(BigFloatSums, AZeroOperandLeavesTheOther) {
     T.f.set_usub(2, {}, A.f, zero.f), expect(true, "|A| - |0|");
     T.f.set_uadd(2, {}, zero.f, zero.f);
     EXPECT_EQ(T.f.L, 0u);
+    for (const bool sign : {false, true}) {
+        T.f.set_add(2, {}, zero.f, Number(Words{}, 0, sign).f);
+        EXPECT_TRUE(T.f.L == 0 && T.f.exp == 0 && !T.f.sign) << "0 + 0, as a copied zero";
+    }
 }
 
 TEST(BigFloatSums, ADifferenceMayNotBeNegative) {

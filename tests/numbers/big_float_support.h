@@ -2,10 +2,8 @@
 // Numbers between guard words, their exact values in GMP integers, and what a product needs.
 
 #include "app/failure/exceptions.h"
-#include "multiply/contract/multiply_tables.h"
-#include "multiply/tables/algorithm_table.h"
 #include "numbers/big_float.h"
-#include "parallel/tasks/framework_config.h"
+#include "numbers/multiplier.h"
 #include "support/seed.h"
 
 #include <gmpxx.h>
@@ -110,41 +108,6 @@ std::string too_small(Call&& call) {
     return "nothing";
 }
 
-/// Tables and scratch for products of up to `reach` words: as far as the table goes, but no further than a test can
-/// wait.
-class Multiplier {
-public:
-    explicit Multiplier(std::uint32_t tds = 1) {
-        const auto& table = zvp::algorithm_table<zvp::wtype>();
-        reach = static_cast<std::size_t>(std::min<std::uint64_t>(table.rows.back().limit, 500'000));
-        table.ensure_tables(tables, reach);
-        table_memory.resize(tables.bytes() + alignment);
-        tables.place(aligned(table_memory));
-        scratch_bytes = table.mSBsize(reach, tds, true);
-        scratch.resize(scratch_bytes + alignment);
-        pars.tds = tds;
-        pars.framework = framework.get();
-        pars.tables = &tables;
-        pars.M = aligned(scratch);
-        pars.ML = scratch_bytes;
-    }
-
-    std::size_t reach;
-    zvp::MultiplyParameters pars;
-
-private:
-    static constexpr std::size_t alignment = 64;
-
-    static std::byte* aligned(std::vector<std::byte>& memory) {
-        const auto address = reinterpret_cast<std::uintptr_t>(memory.data());
-        return memory.data() + (alignment - address % alignment) % alignment;
-    }
-
-    std::unique_ptr<zvp::ParallelFramework> framework = zvp::make_framework_config("pushpool")->make_framework();
-    zvp::MultiplyTables tables;
-    std::vector<std::byte> table_memory;
-    std::vector<std::byte> scratch;
-    std::uint64_t scratch_bytes;
-};
+using Multiplier = WordMultiplier<zvp::wtype>;
 
 } // namespace test

@@ -1,7 +1,6 @@
 #include "app/failure/file_exceptions.h"
 
 #include "app/console/console.h"
-#include "platform/system_error.h"
 
 namespace zvp {
 
@@ -29,8 +28,8 @@ void PathException::print_body() const {
     print_line(message);
 }
 
-std::string with_system_error(std::string_view message, std::int32_t error_code) {
-    return std::string(message) + "\n\n" + std::string(platform::system_error_text(error_code));
+std::string with_system_error(std::string_view message, std::int32_t error_code, platform::FaultDirection direction) {
+    return std::string(message) + "\n\n" + std::string(platform::system_error_text(error_code, direction));
 }
 
 } // namespace zvp

@@ -2,6 +2,7 @@
 // Failures of files and of the arrays built on them: a path and a system error code beside the message.
 
 #include "app/failure/exceptions.h"
+#include "platform/system_error.h"
 
 namespace zvp {
 
@@ -22,7 +23,8 @@ protected:
 };
 
 /// The message of a failed system call: `message`, two newlines, and the program's text for the code.
-std::string with_system_error(std::string_view message, std::int32_t error_code);
+std::string with_system_error(std::string_view message, std::int32_t error_code,
+                              platform::FaultDirection direction = platform::FaultDirection::none);
 
 } // namespace zvp
 

@@ -15,6 +15,12 @@ HybridJob make_job(const HybridSize& size, const MultiplyParameters& pars, std::
 RingWord* elements(std::byte* X) { return reinterpret_cast<RingWord*>(X); }
 const RingWord* elements(const std::byte* X) { return reinterpret_cast<const RingWord*>(X); }
 
+/// Null would tell that X holds a form.
+HybridOperand raw(std::byte* X, const c32i* A, std::size_t AL) {
+    static constexpr c32i no_words{};
+    return {elements(X), AL > 0 ? A : &no_words, AL};
+}
+
 } // namespace
 
 HNTTransform::HNTTransform(std::uint64_t bits, std::uint32_t tds) : size(hybrid_row(bits), tds) {
@@ -46,7 +52,7 @@ void HNTTransform::forward_fsqr(const MultiplyParameters& pars, std::byte* M, st
                                 std::size_t AL, c32i* T, std::size_t s, std::size_t e) const {
     check_capacity(AL);
     check_capacity(e);
-    hybrid_multiply(make_job(size, pars, M), {elements(X), A, AL}, {elements(X), nullptr, 0}, T, s, e);
+    hybrid_multiply(make_job(size, pars, M), raw(X, A, AL), {elements(X), nullptr, 0}, T, s, e);
 }
 
 void HNTTransform::forward_fmul(const MultiplyParameters& pars, std::byte* M, std::byte* Xa, const c32i* A,
@@ -55,7 +61,7 @@ void HNTTransform::forward_fmul(const MultiplyParameters& pars, std::byte* M, st
     check_capacity(AL);
     check_capacity(BL);
     check_capacity(e);
-    hybrid_multiply(make_job(size, pars, M), {elements(Xa), A, AL}, {elements(Xb), B, BL}, T, s, e);
+    hybrid_multiply(make_job(size, pars, M), raw(Xa, A, AL), {elements(Xb), B, BL}, T, s, e);
 }
 
 bool HNTTransform::compatible(const Transform& other) const {

@@ -35,9 +35,10 @@ public:
     /// Makes the transform object for products of `length` words.
     virtual const Transform& params(TransformObject& object, std::uint64_t length, std::uint32_t tds) const = 0;
 
-    /// Words s .. e - 1 of A^2 or A * B to T. Algorithms that make the whole product may drop words that only feed carries
-    /// into the range, so its lowest words may be short by what range_trimming.h tells; s = 0 is exact. Buffers are checked
-    /// against pars.ML, the length against the built tables.
+    /// Words s .. e - 1 of A^2 or A * B to T; s = 0 is exact. Above, the range, read as one number modulo W^(e - s), may be
+    /// short of the exact words by 1 or 2, for carries from below: an algorithm that makes the whole product may drop words
+    /// that only feed them (range_trimming.h), a transform may leave them out where it joins its pieces. Buffers are
+    /// checked against pars.ML, the length against the built tables.
     virtual void sqr(const MultiplyParameters& pars, Word* T, std::size_t s, std::size_t e, const Word* A,
                      std::size_t AL) const = 0;
     virtual void mul(const MultiplyParameters& pars, Word* T, std::size_t s, std::size_t e, const Word* A,

@@ -28,7 +28,7 @@ void fft_forward(const FftTables& tables, const FftLength& length, std::byte* M,
     const bool half = bytes <= half_bytes;
     const std::size_t all = half ? half_bytes : 2 * half_bytes;
     std::memset(M, 0, before);
-    std::memcpy(M + before, A, bytes);
+    if (bytes > 0) std::memcpy(M + before, A, bytes); // no words may be a null pointer
     std::memset(M + before + bytes, 0, all + behind - bytes);
     fft_kernels(tables.kernel_set(), shape.lanes).forward(job, as_doubles(X), M + before, half);
 }

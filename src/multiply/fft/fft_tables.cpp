@@ -1,10 +1,11 @@
 #include "multiply/fft/fft_tables.h"
 
-#include "app/failure/exceptions.h"
+#include "app/console/console.h"
 #include "multiply/fft/root_of_unity.h"
 
 #include <algorithm>
 #include <bit>
+#include <memory>
 
 namespace zvp {
 
@@ -209,8 +210,7 @@ FftTables::Roots FftTables::roots(const FftLength& length) const {
     const FftShape shape = fft_shape(set, length);
     const Family& f = family[family_index(length.m)];
     const double* bases = f.bases[shape.lanes < 8][shape.levels];
-    if (!bases || !f.front)
-        throw InvalidParametersException("FftTables::roots()", "The tables weren't built for this length.");
+    if (!bases || !f.front) fatal_stop("Invalid Function Parameters:   FftTables::roots()");
     return {f.front, f.passes.data(), bases, lane_tables[shape.lanes < 8], shape.short_bases};
 }
 

@@ -53,7 +53,7 @@ public:
         bool short_bases;
     };
 
-    /// Throws InvalidParametersException when the tables weren't placed for this length.
+    /// A fatal stop when the tables weren't placed for this length.
     Roots roots(const FftLength& length) const;
 
     platform::KernelSet kernel_set() const { return set; }

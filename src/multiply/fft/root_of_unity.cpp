@@ -1,11 +1,19 @@
 #include "multiply/fft/root_of_unity.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
 namespace zvp {
 
-RootOfUnity::RootOfUnity(unsigned m, unsigned e) : fine_bits(e / 2) {
+namespace {
+
+/// Of small orders all roots are coarse: the correction is small only beside at least 2^10 coarse ones.
+unsigned fine_bits_of(unsigned e) { return std::min(e / 2, e - std::min(e, 8U)); }
+
+} // namespace
+
+RootOfUnity::RootOfUnity(unsigned m, unsigned e) : fine_bits(fine_bits_of(e)) {
     constexpr long double turn = 2 * std::numbers::pi_v<long double>;
     const std::uint64_t coarse_order = std::uint64_t{4 * m} << (e - fine_bits);
     coarse.resize(coarse_order * 5 / 8 + 1);

@@ -1,5 +1,5 @@
 #pragma once
-// Roots of unity e^(2 pi i t / D) for many t, each within about half a unit in the last place.
+// Roots of unity e^(2 pi i t / D) for many t: the error of each part is at most 1.02 * 2^-54.
 
 #include <complex>
 #include <cstdint>

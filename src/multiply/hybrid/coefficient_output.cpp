@@ -38,15 +38,19 @@ void CoefficientOutput::store(std::uint64_t i, const RingWord* words) const {
 }
 
 void CoefficientOutput::finish_run(std::uint64_t i, const RingWord* x) const {
-    const HybridSize& size = job.size;
     if (is_above(i) || is_below(i)) return;
-    const bool wraps = i + 1 == std::uint64_t{1} << size.k;
-    const std::size_t begin = wraps ? 0 : size.c * (i + 1), end = begin + size.c + 1;
-    const std::size_t first = std::max(begin, s), last = std::min(end, e);
+    const std::size_t c = job.size.c, begin = c * (i + 1), below_end = std::min(c + 1, capacity() - begin);
+    add(begin, x, below_end);
+    add(0, x + below_end, c + 1 - below_end);
+}
+
+void CoefficientOutput::add(std::size_t begin, const RingWord* words, std::size_t count) const {
+    const std::size_t first = std::max(begin, s), last = std::min(begin + count, e);
     if (first >= last) return;
     RingWord* const at = T + (first - s);
-    const bool carry = add_words(at, at, x + (first - begin), last - first);
-    add_word(T + (last - s), e - last, carry);
+    bool carry = add_words(at, at, words + (first - begin), last - first);
+    carry = add_word(T + (last - s), e - last, carry);
+    if (s == 0 && e == capacity()) add_word(T, e, carry);
 }
 
 } // namespace zvp

@@ -6,7 +6,7 @@ namespace zvp {
 
 namespace {
 
-/// Three elements of the smallest rings are larger than the scratch of one of their products.
+/// Four elements of the smallest rings are larger than the scratch of one of their products.
 constexpr std::size_t small_stride = least_fft_ring + 1;
 
 /// The elements that results pass through on their way to a rotation.

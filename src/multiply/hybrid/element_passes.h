@@ -6,7 +6,7 @@
 namespace zvp {
 
 /// 2^levels elements, `spacing` words apart, that stand for the points offset + t * step of a block of step * 2^levels
-/// points. `z` holds three elements for what is on its way.
+/// points.
 struct ElementSet {
     RingWord* first;
     std::size_t spacing;
@@ -17,7 +17,7 @@ struct ElementSet {
     RingWord* at(std::uint64_t t) const { return first + t * spacing; }
 };
 
-/// Work memory of one task: three elements at its start, or all of it for one ring product.
+/// Work memory of one task: four elements at its start, for what is on its way, or all of it for one ring product.
 struct TaskScratch {
     std::byte* M;
 

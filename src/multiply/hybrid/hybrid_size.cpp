@@ -1,5 +1,6 @@
 #include "multiply/hybrid/hybrid_size.h"
 
+#include "app/console/console.h"
 #include "app/failure/exceptions.h"
 #include "multiply/basecase/mulb.h"
 #include "multiply/fft/fft.h"
@@ -45,6 +46,7 @@ std::uint64_t largest_hybrid_ring_bits(std::uint64_t bits) {
 }
 
 unsigned cache_split(unsigned k, std::size_t n) {
+    if (k < 4) fatal_stop("Invalid Function Parameters:   cache_split()");
     const auto fits = [n](unsigned v) { return (((n + 1) << v) + 2 * (n + 1)) * 4 < cache_bytes; };
     unsigned levels = 2;
     for (unsigned v = 3; v <= k / 2 && fits(v); ++v) levels = v;

@@ -59,7 +59,7 @@ struct HybridSize {
 };
 
 /// Levels of a pass over columns of 2^k points whose elements have n words: a column and two elements more stay below
-/// 1.5 MiB.
+/// 1.5 MiB. k < 4 is a fatal stop.
 unsigned cache_split(unsigned k, std::size_t n);
 
 } // namespace zvp

@@ -67,7 +67,7 @@ void load_column(const HybridJob& job, const ElementSet& column, const RingWord*
     for (std::uint64_t t = 0; t < std::uint64_t{1} << column.levels; ++t) {
         const std::uint64_t begin = std::min<std::uint64_t>(AL, (column.offset + t * column.step) * size.c);
         const std::uint64_t count = std::min<std::uint64_t>(AL - begin, size.c);
-        std::memcpy(column.at(t), A + begin, 4 * count);
+        std::copy_n(A + begin, count, column.at(t));
         std::memset(column.at(t) + count, 0, 4 * (size.stride - count));
     }
 }

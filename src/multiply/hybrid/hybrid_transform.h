@@ -37,8 +37,10 @@ struct HybridOperand {
     std::size_t length;
 };
 
-/// T = words s .. e - 1 of the product of the forward forms Xa and Xb modulo 2^capacity - 1. Xd takes the work and may be
-/// Xa; Xb may be Xa, and survives when it isn't Xd. Throws AlgorithmFailedException, "Coefficient is too large.", when a
+/// T = words s .. e - 1 of the product of the forward forms Xa and Xb, e at most the capacity of C words. A range from
+/// s = 0 on is exact; above, its lowest word may miss a carry of at most 2 from below. A product of more than C words comes
+/// modulo 2^(32 C) - 1, where zero may be all ones, if the range is the whole; other ranges are defined above the words on
+/// which its top folds, but for a carry out of those. Xd takes the work and may be Xa; Xb may be Xa, and survives when it isn't Xd. Throws AlgorithmFailedException, "Coefficient is too large.", when a
 /// coefficient is larger than operands can make it: a fault of the memory or the processor.
 void hybrid_product(const HybridJob& job, RingWord* Xd, const RingWord* Xa, const RingWord* Xb, RingWord* T,
                     std::size_t s, std::size_t e);

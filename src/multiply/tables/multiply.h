@@ -1,9 +1,10 @@
 #pragma once
 // Products of word arrays by whatever algorithm the tables hold for their length.
 //
-// T has e - s words and overlaps neither operand nor the scratch of `pars`; all lengths are in words. A range is cut out
-// of trimmed operands: words that only feed carries into it are dropped, so its lowest words may differ from the exact
-// product's by a small amount. Whole products (s = 0, e = the operands' lengths together) are exact.
+// T has e - s words and overlaps neither operand nor the scratch of `pars`; all lengths are in words. Ranges from s = 0 on
+// are exact. Above, a range, read as one number modulo W^(e - s), may be short of the exact words for carries from below:
+// by up to 1 for each operand that is shorter than s, as words that only feed carries are dropped (range_trimming.h), and
+// beyond the row of "FFT" by up to 2 more that the transform leaves out (hybrid/hybrid_transform.h).
 // Throws LimitExceededException when no algorithm covers the length or the tables weren't built for it, and
 // BufferTooSmallException when pars.ML is less than mSBsize() of the length.
 

@@ -13,10 +13,10 @@
 //   p         the precision in words: operands are cut to their top p + 2
 //
 // What T gets is the window [ie - 2, te) of the product of the cut operands, two guard words included, as far as the
-// product has such words; a product that is cut nowhere is exact. Each operand that was cut makes T short by less than
-// one unit of its own lowest word times W^(top of the other). Where the product is longer than tr.capacity_bits, a unit
-// of the lowest word that the fold leaves alone, two words or more below ie where the transform was sized so, may be
-// added or missing.
+// product has such words. A product that is taken whole is exact. A window that is cut below may be short by one or two
+// units of its lowest word, and where the product folds, a unit of the lowest word that the fold leaves alone, a word at
+// or below ie, may be too much or missing (product_window.h). Besides, an operand that was cut makes the product short by
+// less than one unit of that operand's lowest word times W^(top of the other).
 //
 // The result's top zero words go. If nothing remains, T is zero with sign 1; for an operand that is zero, for te <= ie
 // and for a range that holds no word of the product, T is zero with sign 0, and no transform is run but those that are

@@ -14,8 +14,11 @@ namespace zvp {
 /// added (a cyclic transform) or subtracted (the floating-point one). The words in between, [base + w, base + P - w),
 /// are those of the product, but for what the fold carries or borrows into the lowest of them: read as one number
 /// modulo W^n, a window from base + w on may be one too high or one too low, and one that begins above that is wrong
-/// only if the words below it, from base + w on, are all ones or all zeros. Hence the guard words of those who ask.
-/// With P <= C all words are exact. What doesn't fold ("BKT") gives exact words in either case.
+/// only if the words below it, from base + w on, are all ones or all zeros. What doesn't fold ("BKT") has no such error.
+///
+/// A window that doesn't begin at word 0 may moreover be short by one or two units of its lowest word, for carries from
+/// below: "HNT" leaves them out where it joins its coefficients. Hence the guard words of those who ask. Whole products
+/// are exact.
 struct ProductWindow {
     std::int64_t exp = 0;
     std::size_t s = 0;

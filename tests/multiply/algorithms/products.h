@@ -1,9 +1,8 @@
 #pragma once
 // Operands, exact products by GMP, and areas that tell when something was written beside them.
 
-#include "multiply/words/word_types.h"
+#include "multiply/integer.h"
 
-#include <gmp.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -28,31 +27,6 @@ std::vector<Word> random_words(std::mt19937_64& random, std::size_t n) {
     return words;
 }
 
-class Integer {
-public:
-    Integer() { mpz_init(value); }
-    template <class Word>
-    explicit Integer(const std::vector<Word>& words) : Integer() {
-        mpz_import(value, words.size(), -1, sizeof(Word), 0, 0, words.data());
-    }
-    ~Integer() { mpz_clear(value); }
-    Integer(const Integer&) = delete;
-    Integer& operator=(const Integer&) = delete;
-
-    mpz_t value;
-};
-
-template <class Word>
-std::vector<Word> exact_product(const std::vector<Word>& A, const std::vector<Word>& B) {
-    const Integer a(A);
-    const Integer b(B);
-    Integer product;
-    mpz_mul(product.value, a.value, b.value);
-    std::vector<Word> words(A.size() + B.size());
-    mpz_export(words.data(), nullptr, -1, sizeof(Word), 0, 0, product.value);
-    return words;
-}
-
 template <class Word>
 std::vector<Word> slice(const std::vector<Word>& words, std::size_t s, std::size_t e) {
     std::vector<Word> part(e - s);
@@ -63,10 +37,7 @@ std::vector<Word> slice(const std::vector<Word>& words, std::size_t s, std::size
 /// exact - found modulo W^n for numbers of n words; 1000 if it is more.
 template <class Word>
 unsigned long shortfall(const std::vector<Word>& exact, const std::vector<Word>& found) {
-    const Integer x(exact);
-    const Integer y(found);
-    Integer difference;
-    mpz_sub(difference.value, x.value, y.value);
+    Integer difference = Integer(exact) - Integer(found);
     mpz_fdiv_r_2exp(difference.value, difference.value, exact.size() * zvp::word_bits<Word>);
     return mpz_cmp_ui(difference.value, 1000) < 0 ? mpz_get_ui(difference.value) : 1000;
 }

@@ -3,9 +3,9 @@
 #include "multiply/basecase/limb_products.h"
 #include "multiply/basecase/mulb.h"
 #include "multiply/basecase/mulb_kernels.h"
+#include "multiply/integer.h"
 #include "support/seed.h"
 
-#include <gmp.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -62,21 +62,6 @@ std::vector<Word> operand(std::mt19937_64& random, std::size_t n, Fill fill) {
     return words;
 }
 
-template <class Word>
-std::vector<Word> gmp_product(const std::vector<Word>& A, const std::vector<Word>& B) {
-    mpz_t x, y;
-    mpz_init(x);
-    mpz_init(y);
-    mpz_import(x, A.size(), -1, sizeof(Word), 0, 0, A.data());
-    mpz_import(y, B.size(), -1, sizeof(Word), 0, 0, B.data());
-    mpz_mul(x, x, y);
-    std::vector<Word> product(A.size() + B.size());
-    mpz_export(product.data(), nullptr, -1, sizeof(Word), 0, 0, x);
-    mpz_clear(x);
-    mpz_clear(y);
-    return product;
-}
-
 /// Operands, target and scratch with nothing to spare: c32i arrays start 4 bytes behind a multiple of 8, and words that
 /// nothing may touch stand around T and S.
 template <class Word>
@@ -90,7 +75,7 @@ public:
           m_t(a + b + 2),
           m_scratch_bytes(MULB::mul_scratch((a + b) * sizeof(Word) / 4 / 2 + (a + b) * sizeof(Word) / 4 % 2)),
           m_s(m_scratch_bytes + 16),
-          m_expected(gmp_product(a_, b_)) {}
+          m_expected(test::exact_product(a_, b_)) {}
 
     const Word* A() const { return m_a.data() + shift; }
     const Word* B() const { return m_b.data() + shift; }

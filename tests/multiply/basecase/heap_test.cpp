@@ -1,26 +1,10 @@
 // No heap on any path of the smallest products. A sanitizer has a malloc of its own.
-#if !defined(ZORVANE_SANITIZED)
+#ifndef ZORVANE_SANITIZED
 
 #include "multiply/basecase/mulb.h"
-
-#include <gtest/gtest.h>
+#include "support/heap_calls.h"
 
 #include <vector>
-
-namespace {
-
-thread_local bool counting = false;
-thread_local unsigned allocations = 0;
-
-} // namespace
-
-extern "C" void* __libc_malloc(std::size_t bytes);
-
-// operator new ends here as well.
-extern "C" void* malloc(std::size_t bytes) {
-    allocations += counting;
-    return __libc_malloc(bytes);
-}
 
 namespace {
 
@@ -44,18 +28,15 @@ TEST(BasecaseHeap, CallsNoHeapOnAnyPath) {
     std::vector<c64i> t64(2 * longest), scratch(MULB::mul_scratch(2 * longest) / 8 + 1);
 
     call_everything(x64.data(), 1, x64.data(), 1, t64.data(), scratch.data()); // the choice of the set, once
-    counting = true;
-    ::operator delete(::operator new(1)); // the counter sees it
-    const unsigned own = allocations;
-    for (const std::size_t a : {1, 7, 64, 131, 600, 601})
-        for (const std::size_t b : {1, 7, 64, 131, 600, 601}) {
-            if (a < b) continue;
-            call_everything(x32.data(), a, x32.data(), b, t32.data(), scratch.data());
-            call_everything(x64.data(), a, x64.data(), b, t64.data(), scratch.data());
-        }
-    counting = false;
-    EXPECT_EQ(own, 1u);
-    EXPECT_EQ(allocations, own);
+    const std::size_t calls = test::heap_calls_of([&] {
+        for (const std::size_t a : {1, 7, 64, 131, 600, 601})
+            for (const std::size_t b : {1, 7, 64, 131, 600, 601}) {
+                if (a < b) continue;
+                call_everything(x32.data(), a, x32.data(), b, t32.data(), scratch.data());
+                call_everything(x64.data(), a, x64.data(), b, t64.data(), scratch.data());
+            }
+    });
+    EXPECT_EQ(calls, 0u);
 }
 
 } // namespace

@@ -107,16 +107,29 @@ inline std::vector<std::uint32_t> ring_product(const std::vector<std::uint32_t>&
 }
 
 /// Besides the usual: points that are as large as balanced digits get, of one sign, or of signs that alternate or are
-/// random; and points of all ones beside points of zeros.
-enum class Pattern { random, runs, ones, alternating, largest, largest_alternating, largest_random };
-inline constexpr Pattern all_patterns[]{Pattern::random,        Pattern::runs,    Pattern::ones,
-                                        Pattern::alternating,   Pattern::largest, Pattern::largest_alternating,
-                                        Pattern::largest_random};
+/// random; points of all ones beside points of zeros; and points of one large size whose signs follow some bits of their
+/// place, so that all levels of a transform round all of them alike.
+enum class Pattern { random, runs, ones, alternating, largest, largest_alternating, largest_random, resonant };
+inline constexpr Pattern all_patterns[]{Pattern::random,         Pattern::runs,    Pattern::ones,
+                                        Pattern::alternating,    Pattern::largest, Pattern::largest_alternating,
+                                        Pattern::largest_random, Pattern::resonant};
+
+/// The balanced digit of b bits at point j of a resonant pattern, which `draw` chooses.
+inline std::int64_t resonant_digit(std::uint64_t draw, std::uint64_t j, unsigned b) {
+    const std::uint64_t top = std::uint64_t{1} << (b - 1), mask = draw >> 32 & draw >> 40;
+    const auto size = static_cast<std::int64_t>(top - 1 - draw % (top / 4));
+    return std::popcount(j & mask) % 2 == 0 ? size : -size;
+}
 
 /// The field of b bits at point j of a pattern. A field of 2^(b-1) - 1 is a large digit; so is, negative, 2^(b-1).
-inline std::uint64_t field_of(std::mt19937_64& random, Pattern pattern, std::uint64_t j, unsigned b) {
+inline std::uint64_t field_of(std::mt19937_64& random, Pattern pattern, std::uint64_t draw, std::uint64_t j,
+                              unsigned b) {
     const std::uint64_t top = std::uint64_t{1} << (b - 1);
     switch (pattern) {
+    case Pattern::resonant: {
+        const bool borrow = j > 0 && resonant_digit(draw, j - 1, b) < 0;
+        return static_cast<std::uint64_t>(resonant_digit(draw, j, b) - borrow) & (2 * top - 1);
+    }
     case Pattern::ones: return 2 * top - 1;
     case Pattern::alternating: return j % 2 ? 0 : 2 * top - 1;
     case Pattern::largest: return top - 1;
@@ -137,9 +150,10 @@ inline std::vector<std::uint32_t> operand(std::mt19937_64& random, std::size_t n
         }
         return words;
     }
+    const std::uint64_t draw = random();
     for (std::size_t j = 0; j * b < 32 * n; ++j) {
         const std::size_t bit = j * b;
-        const std::uint64_t field = field_of(random, pattern, j, b) << bit % 32;
+        const std::uint64_t field = field_of(random, pattern, draw, j, b) << bit % 32;
         words[bit / 32] |= static_cast<std::uint32_t>(field);
         if (bit / 32 + 1 < n) words[bit / 32 + 1] |= static_cast<std::uint32_t>(field >> 32);
     }

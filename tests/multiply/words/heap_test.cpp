@@ -1,26 +1,12 @@
 // No heap on any path of word arithmetic. A sanitizer has a malloc of its own.
-#if !defined(ZORVANE_SANITIZED)
+#ifndef ZORVANE_SANITIZED
 
 #include "multiply/words/limb_kernels.h"
 #include "multiply/words/parallel_words.h"
 #include "multiply/words/shoup_divider.h"
 
 #include "operands.h"
-
-namespace {
-
-thread_local bool counting = false;
-thread_local unsigned allocations = 0;
-
-} // namespace
-
-extern "C" void* __libc_malloc(std::size_t bytes);
-
-// operator new ends here as well.
-extern "C" void* malloc(std::size_t bytes) {
-    allocations += counting;
-    return __libc_malloc(bytes);
-}
+#include "support/heap_calls.h"
 
 namespace {
 
@@ -54,20 +40,17 @@ TEST(WordArithmetic, CallsNoHeapOnAnyPath) {
     for (std::size_t i = 0; i < n; ++i) b64[i] = ~a64[i];
 
     limb_kernels(); // the choice of the set, once in a process
-    counting = true;
-    ::operator delete(::operator new(1)); // the counter sees it
-    const unsigned own = allocations;
-    for (const std::uint32_t tds : {1u, 64u}) {
-        const ParallelContext ctx{tds, framework.get()};
-        call_everything(t.data(), a.data(), b.data(), n, ctx);
-        call_everything(t64.data(), a64.data(), b64.data(), n, ctx);
-        const WordWindow x{a.data(), n, 0}, y{b.data(), n, 100};
-        bp_uadd_window(t.data(), ctx, true, x, y, 0, n);
-        bp_usub_window(t.data(), ctx, true, x, y, 0, n);
-    }
-    counting = false;
-    EXPECT_EQ(own, 1u);
-    EXPECT_EQ(allocations, own);
+    const std::size_t calls = test::heap_calls_of([&] {
+        for (const std::uint32_t tds : {1u, 64u}) {
+            const ParallelContext ctx{tds, framework.get()};
+            call_everything(t.data(), a.data(), b.data(), n, ctx);
+            call_everything(t64.data(), a64.data(), b64.data(), n, ctx);
+            const WordWindow x{a.data(), n, 0}, y{b.data(), n, 100};
+            bp_uadd_window(t.data(), ctx, true, x, y, 0, n);
+            bp_usub_window(t.data(), ctx, true, x, y, 0, n);
+        }
+    });
+    EXPECT_EQ(calls, 0u);
 }
 
 } // namespace

@@ -1,11 +1,11 @@
 #pragma once
-// Operands of word arithmetic, and GMP's integers to check the results with.
+// Operands of word arithmetic.
 
+#include "multiply/integer.h"
 #include "multiply/words/word_blocks.h"
 #include "parallel/tasks/framework_config.h"
 #include "support/seed.h"
 
-#include <gmp.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -27,50 +27,9 @@ using Words = std::vector<Word>;
 template <class Word>
 inline constexpr Word ones = static_cast<Word>(~Word{0});
 
-/// A GMP integer.
-class Integer {
-public:
-    Integer() { mpz_init(z); }
-    explicit Integer(c64i x) { mpz_init_set_ui(z, x); }
-    template <class Word>
-    Integer(const Word* T, std::size_t n) {
-        mpz_init(z);
-        mpz_import(z, n, -1, sizeof(Word), 0, 0, T);
-    }
-    Integer(const Integer& other) { mpz_init_set(z, other.z); }
-    Integer& operator=(const Integer& other) {
-        mpz_set(z, other.z);
-        return *this;
-    }
-    ~Integer() { mpz_clear(z); }
-
-    /// this * W^n.
-    template <class Word>
-    Integer times_power(std::size_t n) const {
-        Integer result;
-        mpz_mul_2exp(result.z, z, n * zvp::word_bits<Word>);
-        return result;
-    }
-
-    c64i modulo(c64i m) const { return mpz_fdiv_ui(z, m); }
-
-    friend Integer operator+(const Integer& a, const Integer& b) { return make(mpz_add, a, b); }
-    friend Integer operator-(const Integer& a, const Integer& b) { return make(mpz_sub, a, b); }
-    friend Integer operator*(const Integer& a, const Integer& b) { return make(mpz_mul, a, b); }
-    friend bool operator==(const Integer& a, const Integer& b) { return mpz_cmp(a.z, b.z) == 0; }
-
-private:
-    static Integer make(void (*operation)(mpz_ptr, mpz_srcptr, mpz_srcptr), const Integer& a, const Integer& b) {
-        Integer result;
-        operation(result.z, a.z, b.z);
-        return result;
-    }
-    mpz_t z;
-};
-
 template <class Word>
 Integer value(const Words<Word>& words) {
-    return {words.data(), words.size()};
+    return Integer(words);
 }
 
 /// A target at a given word offset from a cache line, between words that nothing may touch.

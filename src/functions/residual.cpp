@@ -1,0 +1,89 @@
+#include "functions/residual.h"
+
+#include "app/console/number_forms.h"
+#include "app/failure/exceptions.h"
+#include "digits/hash/word_hash.h"
+
+#include <cstring>
+
+namespace zvp {
+
+namespace {
+
+/// Sees any one word change, as the hash does, and takes a third of its time where a number is short.
+std::uint64_t sum_words(const wtype* words, std::size_t n) {
+    constexpr std::size_t step = sizeof(std::uint64_t) / sizeof(wtype);
+    std::uint64_t sum = 0;
+    std::size_t i = 0;
+    for (; i + step <= n; i += step) {
+        std::uint64_t limb;
+        std::memcpy(&limb, words + i, sizeof limb);
+        sum += limb;
+    }
+    for (; i < n; ++i) sum += words[i];
+    return sum;
+}
+
+} // namespace
+
+Estimate ResidualCheck::take_whole(BigFloat& T, const ParallelContext& ctx) const {
+    const wtype top = T.get_word(0);
+    if (T.L == 0 || top > 1 || T.top() != static_cast<std::int64_t>(top)) fail(top);
+    T.truncate_at(0, ctx);
+    return take(T, top == 0 ? Estimate::under : Estimate::over, ctx);
+}
+
+Estimate ResidualCheck::take_window(BigFloat& T, std::int64_t eps, const ParallelContext& ctx) const {
+    const wtype top = T.get_word(eps - 1);
+    if (top != 0 && top != ~wtype{0}) fail(top);
+    T.truncate_at(eps, ctx);
+    return take(T, top == 0 ? Estimate::over : Estimate::under, ctx);
+}
+
+Estimate ResidualCheck::take(BigFloat& T, Estimate side, const ParallelContext& ctx) const {
+    if (side == Estimate::under) {
+        T.complement_ip(ctx);
+        check_bound("Under", T);
+    } else {
+        check_bound("Over", T);
+    }
+    return side;
+}
+
+void ResidualCheck::check_bound(const char* side, const BigFloat& T) const {
+    if (is_residual(T, -static_cast<std::int64_t>(q))) return;
+    throw AlgorithmFailedException(function, std::string(side)
+                                                 + "-Estimate -> Convergence Failure:\n    Maximum Error = "
+                                                 + format_signed(-static_cast<std::int64_t>(q))
+                                                 + "\n    Actual Error  = " + format_signed(T.top()));
+}
+
+void ResidualCheck::fail(wtype top) const {
+    throw AlgorithmFailedException(function, "Convergence Failure:\n    top = " + format_number(top));
+}
+
+void KeptNumber::check(const char* function) const {
+    if (hash_now() != hash) throw AlgorithmFailedException(function, "Number Hash Mismatch");
+}
+
+std::uint64_t KeptNumber::hash_now() const {
+    if (number.L >= min_parallel_hash_words) return hash_words_parallel(0, number.T, number.L, ctx.framework, ctx.tds);
+    return sum_words(number.T, number.L);
+}
+
+void correct(BigFloat& T, Estimate side, std::size_t p, const ParallelContext& ctx, const BigFloat& F,
+             const BigFloat& R) {
+    if (side == Estimate::under)
+        T.set_add(p, ctx, F, R);
+    else
+        T.set_sub(p, ctx, F, R);
+    if (T.L > p) T.purturb_up(0);
+}
+
+void halve(BigFloat& T, const ParallelContext& ctx) {
+    if (T.L == 0) return;
+    T.exp -= 1;
+    T.mul_uW(ctx, wtype{1} << (BigFloat::w - 1));
+}
+
+} // namespace zvp
