@@ -106,6 +106,17 @@ int add_packed(std::byte* packed, std::size_t offset, std::size_t bytes, std::in
     return static_cast<int>(carry) - (value < 0 ? 1 : 0);
 }
 
+/// The same; nearly always the first 64 bits take it all.
+ZVP_KERNEL_INLINE int add_short(std::byte* packed, std::size_t offset, std::size_t bytes, std::int64_t value) {
+    if (offset + 8 > bytes) return add_packed(packed, offset, bytes, value);
+    std::uint64_t word;
+    std::memcpy(&word, packed + offset, sizeof word);
+    const std::uint64_t sum = word + static_cast<std::uint64_t>(value);
+    if ((sum < word) != (value < 0)) return add_packed(packed, offset, bytes, value);
+    std::memcpy(packed + offset, &sum, sizeof sum);
+    return 0;
+}
+
 /// Hands each stream's carry to the next stream, and the last one's, negated, to the first (x^L = -1). Returns the top
 /// word: 1 when the value is 2^N, else 0.
 int settle_carries(const FftJob& job, std::byte* packed, const CarryStreams& re, const CarryStreams& im) {
@@ -117,13 +128,13 @@ int settle_carries(const FftJob& job, std::byte* packed, const CarryStreams& re,
     for (std::size_t t = 0; t < 2 * V; ++t) {
         const std::int64_t out = (carry[t] >> job.bits_per_point) - (carry_bias >> job.bits_per_point);
         if (t + 1 < 2 * V) {
-            top += add_packed(packed, (t + 1) * stream_bytes, bytes, out);
+            top += add_short(packed, (t + 1) * stream_bytes, bytes, out);
         } else {
             top += out;
         }
     }
     // The packed bytes plus top * 2^N, with 2^N = -1.
-    const int again = add_packed(packed, 0, bytes, -top);
+    const int again = add_short(packed, 0, bytes, -top);
     if (again == 0) return 0;
     const int last = add_packed(packed, 0, bytes, -again);
     if (last < 0) add_packed(packed, 0, bytes, 1); // -1 is 2^N
