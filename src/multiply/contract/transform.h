@@ -5,7 +5,8 @@
 // The letters of the compound operations: r is an operand given raw, f one given or left as a forward form, x a
 // transform area that ends as scratch. M is the scratch of scratch_bytes; every transform area has transform_bytes; all
 // are aligned to 64 bytes and disjoint. T takes the words s .. e - 1 of the product (words of the operands' kind), and
-// overlaps neither M nor a transform area; s <= e. Objects are read-only once made; tasks may share them. An operand, or
+// overlaps neither M nor a transform area; s <= e. For s > 0 a carry of up to 2 from below may be missing in its lowest
+// word. Objects are read-only once made; tasks may share them. An operand, or
 // an e, beyond the capacity throws ConvolutionTooSmallException.
 
 #include "multiply/contract/multiply_parameters.h"
