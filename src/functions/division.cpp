@@ -10,12 +10,24 @@
 #include "parallel/memory/carving.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace zvp {
 
 namespace {
 
 constexpr const char* function = "Division_BigFloatR::run()";
+
+/// The residue of E = N - R, N without sign, by those of N's and R's words; R has `carry` more above the bound, if that is
+/// known. Throws if E has another.
+std::uint64_t checked_residual(const StepWatch& watch, const BigFloat& E, std::uint64_t n, std::uint64_t r,
+                               std::int64_t bound, bool N_sign, std::optional<int> carry) {
+    const std::uint64_t e = watch.residue(E), all = watch.on ? pow_word(bound) : 0;
+    const std::uint64_t rest = subtract_mod(subtract_mod(n, r), E.sign == N_sign ? e : hash_negate(e));
+    const bool is_right[] = {rest == hash_negate(all), rest == 0, rest == all}; // by carry
+    if (carry ? !is_right[*carry + 1] : !is_right[0] && !is_right[1] && !is_right[2]) watch.fail();
+    return e;
+}
 
 /// E = N - R, of which the words below `bound` are at hand. A right quotient leaves a residual as small as a step of
 /// the reciprocal, so that the words at bound - 1 are equal, or one more and one less where a borrow passes; where it
@@ -88,27 +100,37 @@ void Division_BigFloatR::run_large(const MultiplyParameters& pars, StatusNode* s
     BigFloat E = carve(buffer, e_words);
 
     const TransformHelper helper(pars, p + 9, 3);
+    const StepWatch watch(function, helper, true);
+    const WatchedFactor x = watch.factor(X, q + 2);
     BigFloatTransformR Xt;
     Xt.forward(helper.pars(), helper.transform(), helper.M(), X, q, helper.form(0));
-    multiply_kept(helper, 1, Q, N, q, Xt);
+    BigFloat top_N = N;
+    top_N.L = std::min(N.L, q + BigFloat::extra_precision);
+    top_N.T += N.L - top_N.L;
+    top_N.exp += static_cast<std::int64_t>(N.L - top_N.L);
+    const std::uint64_t q_residue = multiply_kept(helper, 1, Q, top_N, q, Xt, watch, watch.residue(top_N), x);
 
     const auto words = static_cast<std::int64_t>(p), half = static_cast<std::int64_t>(q);
     const std::int64_t bound = std::min(N.top() - half + 3, N.top());
     BigFloat& R = X; // of X only the form is needed from here on
-    const KeptNumber kept_Q(Q, pars);
     progress.show(" 1M ", q);
     BigFloatTransformR::mul_rr_xx(helper.pars(), helper.transform(), helper.M(), R, N.top() - words, bound,
                                   helper.form(1), D, p, helper.form(2), Q, p);
+    const WatchedProduct product =
+        watch.product(R, watch.seen_factor(D, p + 2), watch.factor(Q, p + 2, q_residue), N.top() - words, bound);
+    const std::optional<int> carry = watch.check_near(product, bound, N);
     BigFloat Nc = N;
     Nc.truncate_at(bound, pars);
     set_residual(E, q + 3, pars, Nc, R, bound, N.sign);
+    const std::int64_t low = E.L > 0 ? E.exp : StepWatch::lowest;
+    const std::uint64_t r = subtract_mod(product.window, watch.residue(R, StepWatch::lowest, low));
+    const std::uint64_t e = checked_residual(watch, E, watch.residue(Nc, low), r, bound, N.sign, carry);
 
-    const KeptNumber kept_E(E, pars);
     progress.show(" 2M ", q);
-    multiply_kept(helper, 1, R, E, q, Xt);
-    kept_E.check(function);
+    const std::uint64_t c = multiply_kept(helper, 1, R, E, q, Xt, watch, e, x);
+    const bool minus = Q.sign != R.sign;
     T.set_add(p, pars, Q, R);
-    kept_Q.check(function);
+    watch.check_sum(T, minus, Q, q_residue, R, c, false);
 }
 
 } // namespace zvp

@@ -86,7 +86,7 @@ private:
     static constexpr std::size_t transform_words(std::size_t p) { return p + (p >> 1) + 1 + 8; }
 
     static void iterate(const MultiplyParameters& pars, StatusNode* status, BigFloat& T, const BigFloat& A,
-                        std::size_t p, LinearWordBuffer buffer);
+                        std::size_t p, LinearWordBuffer buffer, bool is_last);
 };
 
 } // namespace zvp

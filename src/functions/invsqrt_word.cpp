@@ -36,7 +36,7 @@ void InvsqrtWord_BigFloatR::run(const MultiplyParameters& pars, StatusNode* stat
     check_size(function, T.capacity, run_p + 4);
     TransformHelper(pars, transform_words(run_p), 2);
     check_size(function, pars.ML, needed.memory_bytes);
-    iterate(pars, status, T, x, run_p, buffer);
+    iterate(pars, status, T, x, run_p, buffer, true);
 }
 
 void InvsqrtWord_BigFloatR::run_task(const MultiplyParameters& pars, StatusSink* sink, BigFloat& T, wtype x,
@@ -47,33 +47,42 @@ void InvsqrtWord_BigFloatR::run_task(const MultiplyParameters& pars, StatusSink*
 
 // A lower level has T and the buffer to itself; only then is its result moved away.
 void InvsqrtWord_BigFloatR::iterate(const MultiplyParameters& pars, StatusNode* status, BigFloat& T, wtype x,
-                                    std::size_t p, LinearWordBuffer buffer) {
+                                    std::size_t p, LinearWordBuffer buffer, bool is_last) {
     if (p < transform_precision) return InvsqrtWord_BigFloatR_E::iterate(pars, T, x, p, buffer);
     const std::size_t q = previous_precision(p);
     IterationStatus progress(status);
-    progress.descend([&](StatusNode* inner) { iterate(pars, inner, T, x, q, buffer); });
+    progress.descend([&](StatusNode* inner) { iterate(pars, inner, T, x, q, buffer, false); });
     BigFloat F = carve(buffer, invsqrt_estimate_words(q));
     BigFloat R = carve(buffer, invsqrt_correction_words(q));
     F.set_BigFloat(q, pars, T);
-    const KeptNumber kept_F(F, pars);
 
     const std::int64_t eps = std::min<std::int64_t>(F.exp + 2, 0);
     const TransformHelper helper(pars, transform_words(p), 2);
+    const StepWatch watch(function, helper, is_last || p >= StepWatch::least_words);
+    const WatchedFactor f = watch.factor(F, p + 2);
     BigFloatTransformR Ft;
     progress.show(" 0S ", q);
     BigFloatTransformR::sqr_rx_xf(helper.pars(), helper.transform(), helper.M(), T, 2 * F.exp, eps, helper.form(0), F,
                                   p, helper.form(1), Ft);
+    WatchedProduct product = watch.product(T, f, f, 2 * F.exp, eps);
     T.mul_uW(pars, x);
+    const std::uint64_t above = watch.residue(T, eps);
+    product.above = add_mod(mul_mod(product.above, x), shift_words(above, -eps));
 
+    const std::uint64_t t = subtract_mod(mul_mod(product.window, x), above);
     const Estimate side = ResidualCheck{function, q}.take_window(T, eps, pars);
-    if (T.L == 0) return T.set_BigFloat(p, pars, F); // right as far as the window sees
+    watch.check_near_one(product, eps, side);
+    const std::uint64_t d = StepWatch::residual(t, side, eps);
+    if (T.L == 0) { // right as far as the window sees
+        watch.check(T, d);
+        T.set_BigFloat(p, pars, F);
+        return watch.check(T, f.residue);
+    }
     halve(T, pars);
-    const KeptNumber kept_T(T, pars);
     progress.show(side == Estimate::under ? " U1M " : " O1M ", q);
-    multiply_kept(helper, 0, R, T, q, Ft);
-    kept_T.check(function);
-    correct(T, side, p, pars, F, R);
-    kept_F.check(function);
+    const std::uint64_t r = multiply_kept(helper, 0, R, T, q, Ft, watch, half_residue(d), f);
+    const bool nudged = correct(T, side, p, pars, F, R);
+    watch.check_sum(T, side == Estimate::over, F, f.residue, R, r, nudged);
 }
 
 } // namespace zvp

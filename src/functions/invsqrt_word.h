@@ -75,7 +75,7 @@ public:
 
 private:
     static void iterate(const MultiplyParameters& pars, StatusNode* status, BigFloat& T, wtype x, std::size_t p,
-                        LinearWordBuffer buffer);
+                        LinearWordBuffer buffer, bool is_last);
 };
 
 } // namespace zvp

@@ -94,7 +94,7 @@ private:
     static constexpr std::size_t correction_words(std::size_t q) { return (q + 17) & ~std::size_t{15}; }
 
     static void iterate(const MultiplyParameters& pars, StatusNode* status, BigFloat& T, const BigFloat& A,
-                        std::size_t p, LinearWordBuffer buffer);
+                        std::size_t p, LinearWordBuffer buffer, bool is_last);
 };
 
 } // namespace zvp

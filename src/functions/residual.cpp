@@ -71,13 +71,15 @@ std::uint64_t KeptNumber::hash_now() const {
     return sum_words(number.T, number.L);
 }
 
-void correct(BigFloat& T, Estimate side, std::size_t p, const ParallelContext& ctx, const BigFloat& F,
+bool correct(BigFloat& T, Estimate side, std::size_t p, const ParallelContext& ctx, const BigFloat& F,
              const BigFloat& R) {
     if (side == Estimate::under)
         T.set_add(p, ctx, F, R);
     else
         T.set_sub(p, ctx, F, R);
-    if (T.L > p) T.purturb_up(0);
+    const bool nudged = T.L > p;
+    if (nudged) T.purturb_up(0);
+    return nudged;
 }
 
 void halve(BigFloat& T, const ParallelContext& ctx) {

@@ -64,8 +64,8 @@ private:
 };
 
 /// T = F + R or F - R at precision p, by the side; then a unit of the lowest word more, if the number is longer than
-/// asked for, so that it never ends exactly on a round value that the truth lies above.
-void correct(BigFloat& T, Estimate side, std::size_t p, const ParallelContext& ctx, const BigFloat& F,
+/// asked for, so that it never ends exactly on a round value that the truth lies above. Returns whether there was one.
+bool correct(BigFloat& T, Estimate side, std::size_t p, const ParallelContext& ctx, const BigFloat& F,
              const BigFloat& R);
 
 /// T /= 2, exactly; a word longer at most.

@@ -1,6 +1,7 @@
 #include "platform/memory.h"
 
 #include "platform/file.h"
+#include "platform/file_system.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -68,11 +69,13 @@ bool may_lock_without_limit() {
     return (data[CAP_TO_INDEX(CAP_IPC_LOCK)].effective & CAP_TO_MASK(CAP_IPC_LOCK)) != 0;
 }
 
-std::uint64_t physical_memory() {
+std::uint64_t total_memory() {
     return static_cast<std::uint64_t>(sysconf(_SC_PHYS_PAGES)) * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
 }
 
 } // namespace
+
+PhysicalMemory physical_memory() { return {total_memory(), file_system().available_memory()}; }
 
 MemorySystem& memory_system() {
     static MemorySystem system;
@@ -167,7 +170,7 @@ LockPrivilege MemorySystem::obtain_lock_privilege() {
         limit.rlim_cur = limit.rlim_max;
         if (setrlimit(RLIMIT_MEMLOCK, &limit) != 0) return {false, 0, errno};
     }
-    return {limit.rlim_max == RLIM_INFINITY || limit.rlim_max >= physical_memory(), 0, 0};
+    return {limit.rlim_max == RLIM_INFINITY || limit.rlim_max >= total_memory(), 0, 0};
 }
 
 } // namespace zvp::platform

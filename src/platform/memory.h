@@ -38,6 +38,14 @@ struct LockPrivilege {
     int adjust_error = 0; // raising it as far as allowed
 };
 
+/// The machine's memory in bytes: all of it, and what could be had without swapping; 0 where the system doesn't tell.
+struct PhysicalMemory {
+    std::uint64_t total = 0;
+    std::uint64_t available = 0;
+};
+
+PhysicalMemory physical_memory();
+
 /// What the system does for memory. The members are virtual so that a test can let one fail or answer for a machine that
 /// isn't there; all others use memory_system(). Any thread may call any member. Errors are errno values, 0 is success.
 class MemorySystem {

@@ -1,26 +1,20 @@
 #include "session/custom_action.h"
 
-#include "app/console/unbuilt.h"
+#include "app/console/console.h"
 #include "app/console/value_parsers.h"
 #include "app/failure/exceptions.h"
-
-#include <algorithm>
-#include <array>
-#include <string_view>
+#include "session/session_holder.h"
 
 namespace zorvane {
 
 namespace {
 
-using Line = CommandLine::CommandLine;
-
-constexpr std::array<std::string_view, 13> constant_names{"sqrt",  "goldenratio", "e",       "pi",      "log",
-                                                          "apery", "zeta3",       "zeta(3)", "catalan", "lemniscate",
-                                                          "gamma", "brent",       "custom"};
+using namespace zvp;
+using Line = ::CommandLine::CommandLine;
 
 void take_mode(CustomRequest& request, Line& line) {
     if (line.value() != "ram" && line.value() != "swap")
-        throw zvp::InvalidParametersException("", "Invalid Mode: " + line.value());
+        throw InvalidParametersException("", "Invalid Mode: " + line.value());
     request.swap_mode = line.take_value() == "swap";
 }
 
@@ -29,20 +23,20 @@ void take_output_path(CustomRequest& request, Line& line) {
     request.output_path = line.take_parameter();
 }
 
-void take_compression(CustomRequest& request, Line& line) { request.compression = zvp::parse_s32(line.take_value()); }
+void take_compression(CustomRequest& request, Line& line) { request.compression = parse_s32(line.take_value()); }
 
 } // namespace
 
 const CommandLine::OptionTable<CustomRequest>& custom_options() {
     static const CommandLine::OptionTable<CustomRequest> table({
         {"-algorithm", [](auto& request, auto& line) { request.algorithm = line.take_value(); }},
-        {"-dec", [](auto& request, auto& line) { request.decimal_digits = zvp::parse_digits(line.take_value()); }},
-        {"-hex", [](auto& request, auto& line) { request.hexadecimal_digits = zvp::parse_digits(line.take_value()); }},
+        {"-dec", [](auto& request, auto& line) { request.decimal_digits = parse_digits(line.take_value()); }},
+        {"-hex", [](auto& request, auto& line) { request.hexadecimal_digits = parse_digits(line.take_value()); }},
         {"-o", take_output_path},
-        {"-od", [](auto& request, auto& line) { request.output_enabled = zvp::parse_sL(line.take_value()) != 0; }},
+        {"-od", [](auto& request, auto& line) { request.output_enabled = parse_sL(line.take_value()) != 0; }},
         {"-C", take_compression},
         {"-compress", take_compression},
-        {"-verify", [](auto& request, auto& line) { request.verify_output = zvp::parse_sL(line.take_value()) != 0; }},
+        {"-verify", [](auto& request, auto& line) { request.verify_output = parse_sL(line.take_value()) != 0; }},
         {"-mode", take_mode},
         {"-MA", take_allocator},
         {"-PF", take_framework},
@@ -54,17 +48,72 @@ const CommandLine::OptionTable<CustomRequest>& custom_options() {
     return table;
 }
 
+namespace {
+
+/// Fills the session's settings with what the command line asks for.
+void apply_constant(const CustomRequest& request, ConstantSettings& settings) {
+    settings.set_constant(make_constant(request.constant, request.argument));
+    if (request.algorithm) settings.constant->set_algorithm(*request.algorithm);
+    if (request.decimal_digits) settings.set_decimal_digits(*request.decimal_digits);
+    if (request.hexadecimal_digits) settings.set_hexadecimal_digits(*request.hexadecimal_digits);
+    if (request.verify_output) settings.verify_output = *request.verify_output;
+}
+
+void apply_output(const CustomRequest& request, OutputSettings& output) {
+    if (request.output_path) output.set_path(*request.output_path);
+    if (request.compression && *request.compression != 0) {
+        output.format = OutputFormat::compressed;
+        output.set_digits_per_file(*request.compression < 0 ? 0 : static_cast<std::uint64_t>(*request.compression));
+    }
+    if (request.output_enabled == false) output.format = OutputFormat::none;
+}
+
+void apply_resources(const CustomRequest& request, NormalFloatSessionB& session) {
+    if (request.allocator) session.allocator->allocator = make_allocator(*request.allocator);
+    if (request.framework) session.parallelism->framework = make_framework_config(*request.framework);
+    if (request.task_decomposition) session.parallelism->task_decomposition = *request.task_decomposition;
+}
+
+/// Shows the settings and runs them.
+void print_and_run(NormalFloatSession& session) {
+    const bool good = session.print();
+    print_line();
+    if (!good) session.check();
+    session.run();
+}
+
+} // namespace
+
 void custom_action(Line& line) {
-    if (line.at_end()) custom_menu();
+    if (line.at_end()) return custom_menu();
     CustomRequest request;
     request.constant = line.key();
     request.argument = line.take_value();
-    if (std::find(constant_names.begin(), constant_names.end(), request.constant) == constant_names.end())
-        throw zvp::InvalidParametersException("", "Invalid Constant: " + request.constant);
+    constant_id(request.constant); // refuses a name that isn't one
     CommandLine::apply_options(custom_options(), request, line);
-    zvp::stop_unbuilt("Computing a constant (action \"custom\")");
+
+    NormalFloatSessionHolder holder;
+    holder.set_mode(request.swap_mode ? "swap" : "ram");
+    NormalFloatSessionB& session = holder.memory_session();
+    apply_constant(request, *session.settings);
+    apply_output(request, session.settings->output);
+    apply_resources(request, session);
+    session.update();
+    print_line();
+    print_and_run(session);
 }
 
-void custom_menu() { zvp::stop_unbuilt("Custom Compute a Constant"); }
+void custom_menu() { NormalFloatSessionHolder().menu(true); }
+
+void run_custom_config(const Object& settings) {
+    NormalFloatSessionHolder holder(settings);
+    NormalFloatSession& session = holder.active();
+    if (!session.print()) {
+        session.check_built();
+        throw InvalidParametersException("", "Cannot run computation with these parameters.");
+    }
+    print_line();
+    session.run();
+}
 
 } // namespace zorvane

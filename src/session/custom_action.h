@@ -1,6 +1,7 @@
 #pragma once
 // The action "custom": compute a constant.
 
+#include "app/notation/node.h"
 #include "session/resource_options.h"
 
 #include <cstdint>
@@ -29,5 +30,8 @@ void custom_action(CommandLine::CommandLine& line);
 
 /// The menu of custom computations.
 void custom_menu();
+
+/// Runs what the object "CustomCompute" of a configuration file describes.
+void run_custom_config(const zvp::Object& settings);
 
 } // namespace zorvane

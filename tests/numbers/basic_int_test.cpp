@@ -25,7 +25,7 @@ struct Held {
 
     mpz_class value() const { return integer(x.T, x.L); }
 
-    Storage<Word> storage;
+    GuardedWords<Word> storage;
     BasicInt<Word> x;
 };
 
@@ -76,7 +76,7 @@ TYPED_TEST(BasicIntOf, SumsAndDifferencesCarryThroughAllWords) {
         Held<TypeParam> sum(random_words<TypeParam>(random, a), 1);
         Held<TypeParam> B(random_words<TypeParam>(random, b));
         if (round % 4 == 0 && b > 0) { // the sum is W^a - 1 or W^a
-            for (std::size_t i = 0; i < a; ++i) sum.x.T[i] = i < b ? ~B.x.T[i] : ones<TypeParam>;
+            for (std::size_t i = 0; i < a; ++i) sum.x.T[i] = i < b ? ~B.x.T[i] : all_ones<TypeParam>;
             sum.x.T[0] += round % 8 == 0;
             if (sum.x.T[a - 1] == 0) continue;
             sum.x.hash = residue_of(sum.value());

@@ -45,8 +45,8 @@ TEST(BigFloatStorage, JustEnoughPassesAndOneLessIsRefused) {
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.name << " " << c.capacity);
         Number enough(c.capacity), less(c.capacity - 1);
-        EXPECT_EQ(too_small([&] { c.run(enough.f); }), "nothing");
-        EXPECT_EQ(too_small([&] { c.run(less.f); }),
+        EXPECT_EQ(failure_of([&] { c.run(enough.f); }), "nothing");
+        EXPECT_EQ(failure_of([&] { c.run(less.f); }),
                   std::string(c.name) + " " + std::to_string(c.capacity - 1) + " " + std::to_string(c.capacity));
         EXPECT_TRUE(enough.guards_are_intact() && less.guards_are_intact());
     }

@@ -22,9 +22,9 @@ struct Operand {
 
 /// The operand on storage that reaches from `low` up to `high`.
 template <class Word>
-std::unique_ptr<Number<Word>> on_storage(const Operand<Word>& A, std::int64_t low, std::int64_t high) {
-    return std::make_unique<Number<Word>>(A.words, A.exp, A.sign, static_cast<std::size_t>(A.exp - low),
-                                          static_cast<std::size_t>(high - A.top()));
+std::unique_ptr<ExactNumber<Word>> on_storage(const Operand<Word>& A, std::int64_t low, std::int64_t high) {
+    return std::make_unique<ExactNumber<Word>>(A.words, A.exp, A.sign, static_cast<std::size_t>(A.exp - low),
+                                               static_cast<std::size_t>(high - A.top()));
 }
 
 /// Every sum of A and B in storage of just its size, and the refusal of storage that lacks a word on either side.
@@ -35,7 +35,7 @@ void expect_sums(const Operand<Word>& A, const Operand<Word>& B, const ParallelC
     const std::int64_t low = std::min(A.exp, B.exp), top = std::max(A.top(), B.top());
     const bool add = A.sign == B.sign, AB = A.top() >= B.top();
     const std::int64_t high = top + add;
-    const Number<Word> b(B.words, B.exp, B.sign);
+    const ExactNumber<Word> b(B.words, B.exp, B.sign);
     const auto T = on_storage(A, low, high);
     const mpz_class value = in_units(T->f, low) + in_units(b.f, low);
     T->f.add_ip(ctx, b.f);
@@ -44,7 +44,7 @@ void expect_sums(const Operand<Word>& A, const Operand<Word>& B, const ParallelC
 
     if (add) {
         const auto a = on_storage(A, A.exp, A.top());
-        Number<Word> sum(static_cast<std::size_t>(high - low));
+        ExactNumber<Word> sum(static_cast<std::size_t>(high - low));
         sum.f.set_add(ctx, a->f, b.f);
         expect_value(sum, value, low);
     }
@@ -106,7 +106,7 @@ TYPED_TEST(ExactFloatSum, LongOnesInTasks) {
             expect_sums(A, partner(random, A, b, -7 + shift), ctx, false);
         }
         // Carries and borrows that pass every block.
-        const Operand<TypeParam> full{std::vector<TypeParam>(100'000, ones<TypeParam>), 0, true};
+        const Operand<TypeParam> full{std::vector<TypeParam>(100'000, all_ones<TypeParam>), 0, true};
         std::vector<TypeParam> power(100'000);
         power.back() = 1;
         for (const std::int64_t exp : {-3, 0, 50'000}) {
@@ -122,8 +122,8 @@ TYPED_TEST(ExactFloatSum, LongOnesInTasks) {
 }
 
 TYPED_TEST(ExactFloatSum, ZerosAreNeutralAndSignsAreMinded) {
-    const Number<TypeParam> zero(0), five({5}, 3, false), minus({5}, 3, true);
-    Number<TypeParam> T(1), sum(2);
+    const ExactNumber<TypeParam> zero(0), five({5}, 3, false), minus({5}, 3, true);
+    ExactNumber<TypeParam> T(1), sum(2);
     sum.f.sign = true;
     T.f.add_ip({}, zero.f);
     EXPECT_EQ(T.f.L, 0u);
@@ -142,9 +142,9 @@ TYPED_TEST(ExactFloatSum, ZerosAreNeutralAndSignsAreMinded) {
 
 /// A difference that vanishes by a fault must not pass for a zero once it has been added and multiplied on.
 TYPED_TEST(ExactFloatSum, AZeroKeepsTheTraceOfADamage) {
-    Number<TypeParam> T({4, 8}, 0, true, 0, 2), product(4), next({9}, 0, true, 0, 2), sum(4);
+    ExactNumber<TypeParam> T({4, 8}, 0, true, 0, 2), product(4), next({9}, 0, true, 0, 2), sum(4);
     T.f.T[0] ^= 1;
-    const Number<TypeParam> B({5, 8}, 0, false), C({3}, 0, true);
+    const ExactNumber<TypeParam> B({5, 8}, 0, false), C({3}, 0, true);
     T.f.add_ip({}, B.f);
     ASSERT_EQ(T.f.L, 0u);
     T.f.mp2(3);
@@ -157,7 +157,7 @@ TYPED_TEST(ExactFloatSum, AZeroKeepsTheTraceOfADamage) {
 }
 
 TYPED_TEST(ExactFloatSum, TheWrongCaseIsAFault) {
-    Number<TypeParam> low({1}, 0, true, 0, 9), high({1}, 2, true, 2, 9);
+    ExactNumber<TypeParam> low({1}, 0, true, 0, 9), high({1}, 2, true, 2, 9);
     EXPECT_DEATH(low.f.uaddAB_ip({}, high.f), "");
     EXPECT_DEATH(low.f.usubAB_ip({}, high.f), "");
     EXPECT_DEATH(high.f.uaddBA_ip({}, low.f), "");

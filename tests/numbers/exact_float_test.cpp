@@ -39,9 +39,9 @@ TYPED_TEST(ExactFloatOf, ProductsAreExactOnBothRoutes) {
             const std::size_t reach = round % 100 == 0 ? 20'000 : round % 10 == 0 ? 300 : 14;
             const std::size_t a = 1 + random() % reach, b = 1 + random() % reach;
             SCOPED_TRACE(testing::Message() << a << " x " << b << " tds " << tds);
-            const Number<TypeParam> A(random_words<TypeParam>(random, a), -3, random() % 2),
+            const ExactNumber<TypeParam> A(random_words<TypeParam>(random, a), -3, random() % 2),
                 B(random_words<TypeParam>(random, b), 40, random() % 2);
-            Number<TypeParam> T(a + b), tight(a + b - 1);
+            ExactNumber<TypeParam> T(a + b), tight(a + b - 1);
             T.f.set_mul(multiplier.pars, A.f, B.f);
             expect_value(T, in_units(A.f, -3) * in_units(B.f, 40), 37);
             EXPECT_EQ(failure_of([&] { tight.f.set_mul(multiplier.pars, A.f, B.f); }),
@@ -55,17 +55,18 @@ TYPED_TEST(ExactFloatOf, NineteenWordsNeedNoScratchAndTwentyDo) {
     WordMultiplier<TypeParam> multiplier;
     auto pars = multiplier.pars;
     pars.ML = 0;
-    const Number<TypeParam> nine(std::vector<TypeParam>(9, 7), 0, true), ten(std::vector<TypeParam>(10, 7), 0, true);
-    Number<TypeParam> T(20);
+    const ExactNumber<TypeParam> nine(std::vector<TypeParam>(9, 7), 0, true),
+        ten(std::vector<TypeParam>(10, 7), 0, true);
+    ExactNumber<TypeParam> T(20);
     EXPECT_EQ(failure_of([&] { T.f.set_mul(pars, nine.f, ten.f); }), "nothing");
     const std::string failure = failure_of([&] { T.f.set_mul(pars, ten.f, ten.f); });
     EXPECT_TRUE(failure != "nothing" && failure.find("ExactFloat") == failure.npos) << failure;
 }
 
 TYPED_TEST(ExactFloatOf, ZeroProductsAreWholeZeros) {
-    const Number<TypeParam> zero(0), A({5}, 3, false);
+    const ExactNumber<TypeParam> zero(0), A({5}, 3, false);
     for (const bool first : {false, true}) {
-        Number<TypeParam> T({9}, 4, true);
+        ExactNumber<TypeParam> T({9}, 4, true);
         T.f.set_mul({}, first ? zero.f : A.f, first ? A.f : zero.f);
         EXPECT_TRUE(T.f.L == 0 && T.f.exp == 0 && !T.f.sign && T.f.hash == 0);
     }
@@ -80,7 +81,7 @@ TYPED_TEST(ExactFloatOf, ShiftsMoveTheExponentAndFewBits) {
         for (const std::size_t n : {1, 2, 40}) {
             SCOPED_TRACE(testing::Message() << "2^" << e << " " << n << " words");
             const auto words = random_words<TypeParam>(random, n);
-            Number<TypeParam> T(words, -5, n % 2, 3, 1), tight(words, -5, true, 3, 0);
+            ExactNumber<TypeParam> T(words, -5, n % 2, 3, 1), tight(words, -5, true, 3, 0);
             const mpz_class start = in_units(T.f, unit);
             T.f.mp2({}, e);
             expect_value(T, e < 0 ? mpz_class(start >> -e) : mpz_class(start << e), unit);
@@ -92,7 +93,7 @@ TYPED_TEST(ExactFloatOf, ShiftsMoveTheExponentAndFewBits) {
                       "ExactFloat::mp2() " + std::to_string(n + 3) + " " + std::to_string(n + 4));
         }
     }
-    Number<TypeParam> far({1}, 0, true, 0, 1); // exponents whose bits no integer counts
+    ExactNumber<TypeParam> far({1}, 0, true, 0, 1); // exponents whose bits no integer counts
     far.f.mp2(std::numeric_limits<std::int64_t>::min());
     far.f.exp -= std::int64_t{1} << 60;
     far.f.hash = zvp::mul_mod(far.f.hash, zvp::pow_word(-(std::int64_t{1} << 60) % 61 * (w / 32)));
@@ -100,20 +101,20 @@ TYPED_TEST(ExactFloatOf, ShiftsMoveTheExponentAndFewBits) {
 }
 
 TYPED_TEST(ExactFloatOf, CopiesOfIntegersTurnLowZerosIntoExponentAndHeadroom) {
-    Storage<TypeParam> words(4);
+    GuardedWords<TypeParam> words(4);
     zvp::BasicInt<TypeParam> A(words.data(), 4);
     std::fill_n(A.T, 4, TypeParam{0});
     A.T[2] = 6, A.T[3] = 1, A.L = 4;
     const mpz_class value = integer(A.T, 4);
     A.hash = residue_of(value) + (std::uint64_t{1} << 61) - 1;
-    Number<TypeParam> T(4), tight(3);
+    ExactNumber<TypeParam> T(4), tight(3);
     T.f.set_BasicInt({}, A);
     expect_value(T, value, 0);
     EXPECT_TRUE(T.f.L == 2 && T.f.exp == 2 && T.f.sign && T.f.Tmin() == 0 && T.f.Tmax() == 4);
     EXPECT_EQ(T.f.hash, A.hash);
     EXPECT_EQ(failure_of([&] { tight.f.set_BasicInt({}, A); }), "ExactFloat::set_BasicInt() 3 4");
 
-    Number<TypeParam> copy(2), less(1);
+    ExactNumber<TypeParam> copy(2), less(1);
     copy.f.set_ExactFloat(T.f);
     expect_value(copy, value, 0);
     EXPECT_EQ(failure_of([&] { less.f.set_ExactFloat(T.f); }), "ExactFloat::set_ExactFloat() 1 2");
@@ -131,11 +132,11 @@ TYPED_TEST(ExactFloatOf, ChainsKeepTheHashCongruent) {
     constexpr std::int64_t unit = -4096; // products only of numbers that stay above it
     constexpr std::size_t longest = 3000;
     for (int chain = 0; chain < 100; ++chain) {
-        Number<TypeParam> X(4 * longest), Y(4 * longest), Z(4 * longest);
+        ExactNumber<TypeParam> X(4 * longest), Y(4 * longest), Z(4 * longest);
         mpz_class x = 0;
         for (int step = 0; step < 40 && X.f.L < longest; ++step) {
-            const Number<TypeParam> B(random_words<TypeParam>(random, random() % 12),
-                                      X.f.exp + static_cast<std::int64_t>(random() % 40) - 20, random() % 2);
+            const ExactNumber<TypeParam> B(random_words<TypeParam>(random, random() % 12),
+                                           X.f.exp + static_cast<std::int64_t>(random() % 40) - 20, random() % 2);
             const mpz_class b = in_units(B.f, unit);
             const auto kind = random() % 8;
             const bool near = std::abs(X.f.exp) < 1000;
@@ -197,8 +198,8 @@ TYPED_TEST(ExactFloatOf, NoOperationTakesHeapMemory) {
         pars.tds = tds;
         for (const std::size_t n : {1, 9, 100, 40'000}) {
             const auto words = random_words<TypeParam>(random, n);
-            const Number<TypeParam> A(words, 0, true), B(words, -1, false), C(words, 1, true);
-            Number<TypeParam> T(2 * n + 8), M(A.words(), 0, true, 4, 4);
+            const ExactNumber<TypeParam> A(words, 0, true), B(words, -1, false), C(words, 1, true);
+            ExactNumber<TypeParam> T(2 * n + 8), M(A.words(), 0, true, 4, 4);
             const std::size_t before = heap_calls;
             T.f.set_mul(pars, A.f, B.f);
             T.f.set_ExactFloat(pars, A.f);

@@ -29,18 +29,11 @@ TEST(Action, AnUnknownWordRunsSomething) {
 
 TEST(Action, WorkThatIsNotThereYetEndsLikeSuccess) {
     expect_end(unbuilt("Benchmark Pi"), {"bench"});
-    expect_end(unbuilt("Custom Compute a Constant"), {"custom"});
     expect_end(unbuilt("The Digit Viewer (action \"digitviewer\")"), {"digitviewer", "digitviewer ignored"});
     expect_end(unbuilt("The Benchmark Validator"), {"validate", "validate ignored"});
 }
 
 TEST(Options, OneThatIsRightIsRefused) {
-    expect_end(unbuilt("Computing a constant (action \"custom\")"),
-               {"custom log:10 -dec:1m -hex:0 -algorithm:chudnovsky -C:100 -compress:-1 -verify:0",
-                "custom pi -dec: -hex:abc -dec:-5 -C: -verify: -od: -algorithm: -dec",
-                "custom pi -dec:" + long_number + " -hex:" + long_number + "T -C:-" + long_number,
-                "custom pi -MA:malloc -PF:none -TD:65536 -o -od:1", "custom pi -o:ignored path",
-                "custom pi -mode:swap -M:1.5G -minIO:1 -dec:5 -swap:raid0 /tmp -od:1"});
     expect_end(unbuilt("The benchmark (action \"bench\")"),
                {"bench 25m", "bench 50m", "bench 100m", "bench 250m", "bench 500m", "bench 1b", "bench 2.5b",
                 "bench 5b", "bench 10b", "bench 25b", "bench 50b", "bench 100b", "bench 250b", "bench 500b", "bench 1t",
@@ -183,7 +176,6 @@ TEST(ConfigFile, AnActionIsMissedOrMisread) {
     const std::string stress = "{ Action : \"StressTest\" // comment\n StressTest : {} }\n";
     for (const std::string& content : {stress, utf16(stress, false), utf16(stress, true), "\xEF\xBB\xBF" + stress})
         expect_config(content, unbuilt("Running \"StressTest\""));
-    expect_config("{Action:\"CustomCompute\" CustomCompute:{}}", unbuilt("Running \"CustomCompute\""));
     expect_config("{Action:\"BenchIO\" BenchIO:{a:1}}", unbuilt("Running \"BenchIO\""));
     expect_config("{Action:\"Bench\" Bench:{}}", invalid("Invalid Action: Bench"));
     expect_config("{Action:\"\"}", invalid("Invalid Action: "));
@@ -192,6 +184,8 @@ TEST(ConfigFile, AnActionIsMissedOrMisread) {
     } wrong[] = {
         {"{action:\"BenchIO\"}", "KeyNotFoundException", "Object::get_string()\n\nKey not found: Action"},
         {"{Action:\"BenchIO\"}", "KeyNotFoundException", "Object::get_object()\n\nKey not found: BenchIO"},
+        {"{Action:\"CustomCompute\" CustomCompute:{}}", "KeyNotFoundException",
+         "Object::get_string()\n\nKey not found: Mode"},
         {"{Action:5 }", "ParseException", "Object::get_string()\n\nExpected String, got Integer."},
         {"{Action:\"BenchIO\" BenchIO:\"\"}", "ParseException", "Object::get_object()\n\nExpected Object, got String."},
         {"[1]", "ParseException", "config_action()\n\nExpected Object, got Array."},

@@ -59,7 +59,7 @@ TEST(Menus, AnItemRunsAnotherOrEndsWithTheWrongCode) {
         {"0\n", unbuilt("Benchmark Pi"), 1},
         {"1\n", unbuilt("The Component Stress Tester"), 1},
         {"2\n", unbuilt("The I/O performance analysis"), 1},
-        {"3\n", unbuilt("Custom Compute a Constant"), 1},
+        {"3\n5\n0\n3\n100\n0\n", "\n\nCustom Compute a Constant\n\n  1     Constant:               Pi\n", 0},
         {"4\n2\n0\n0\n", "Hexadecimal Digits starting from: 16^-1\n", 0},
         {"5\n", unbuilt("The Digit Viewer (action \"digitviewer\")"), 1},
         {"6\n0\n", advanced_items + "\n" + unbuilt("The Benchmark Validator"), 1},

@@ -1,11 +1,12 @@
-// Long products by the hybrid transform beside GMP's in one run, on one and two threads; then its parts; then how the
-// time grows with the length. Minima of several rounds, by the clock.
+// Long products by the hybrid transform beside GMP's in one run, on one and two threads; then how the time
+// grows with the length. Minima of several rounds, by the clock.
 
 #include "multiply/algorithms/hnt_algorithm.h"
 #include "multiply/contract/multiply_tables.h"
 #include "multiply/hybrid/hybrid_transform.h"
 #include "parallel/tasks/framework_config.h"
 #include "platform/clock.h"
+#include "platform/memory.h"
 
 #include <gmp.h>
 
@@ -21,18 +22,25 @@ namespace {
 
 using namespace zvp;
 
-struct Free {
-    void operator()(std::byte* p) const { std::free(p); }
-};
-using Block = std::unique_ptr<std::byte, Free>;
+/// Touched memory in large pages where the system has them, as a computation's is.
+class Block {
+public:
+    explicit Block(std::size_t bytes)
+        : mapping(system.map(bytes, system.page_size(), platform::PageKind::large_transparent)) {
+        if (!mapping.base) mapping = system.map(bytes, system.page_size(), platform::PageKind::small);
+        if (!mapping.base) std::abort();
+        std::memset(mapping.data, 0, bytes);
+    }
+    ~Block() { system.release(mapping); }
+    Block(const Block&) = delete;
+    Block& operator=(const Block&) = delete;
 
-Block make_block(std::uint64_t bytes) {
-    constexpr std::uint64_t large_page = 1 << 21;
-    const std::uint64_t padded = (bytes + large_page) / large_page * large_page;
-    Block block(static_cast<std::byte*>(std::aligned_alloc(large_page, padded)));
-    std::memset(block.get(), 0, padded);
-    return block;
-}
+    std::byte* get() const { return mapping.data; }
+
+private:
+    platform::MemorySystem& system = platform::memory_system();
+    platform::Mapping mapping;
+};
 
 template <class Call>
 double least(int rounds, Call&& call) {
@@ -57,14 +65,14 @@ class Bench {
 public:
     explicit Bench(std::uint64_t most_bits) : pool(make_framework_config("pushpool")->make_framework()) {
         algorithm.ensure_tables(tables, most_bits / 64);
-        table_memory = make_block(tables.bytes());
-        tables.place(table_memory.get());
+        table_memory = std::make_unique<Block>(tables.bytes());
+        tables.place(table_memory->get());
     }
 
     /// Seconds of a product of so many limbs in all.
     double product(Limbs& C, const Limbs& A, const Limbs& B, std::uint32_t tds, int rounds) {
         const std::uint64_t bytes = algorithm.total(A.size() + B.size(), tds);
-        const Block M = make_block(bytes);
+        const Block M(bytes);
         const MultiplyParameters pars{{tds, pool.get()}, nullptr, &tables, M.get(), bytes};
         return least(rounds, [&] {
             algorithm.mul(pars, C.data(), 0, A.size() + B.size(), A.data(), A.size(), B.data(), B.size());
@@ -75,7 +83,7 @@ private:
     const MultiplyAlgorithm<c64i>& algorithm = hnt_algorithm<c64i>();
     std::unique_ptr<ParallelFramework> pool;
     MultiplyTables tables;
-    Block table_memory;
+    std::unique_ptr<Block> table_memory;
 };
 
 void compare_with_gmp(Bench& bench, unsigned most) {

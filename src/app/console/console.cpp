@@ -42,6 +42,11 @@ void set_color(char color) {
 
 void reset_color() { set_color('w'); }
 
+void set_title(std::string_view text) {
+    if (!process_switches().colors_enabled || !platform::output_is_terminal() || !platform::output_ready()) return;
+    platform::write_output("\x1b]0;" + std::string(text) + "\a");
+}
+
 void print(std::string_view text, char color) {
     set_color(color);
     platform::write_output(text);

@@ -17,6 +17,9 @@ namespace zvp {
 void set_color(char color);
 void reset_color();
 
+/// Puts `text`, without control characters, into the title of the terminal's window; nothing where there is none.
+void set_title(std::string_view text);
+
 void print(std::string_view text, char color = ' ');
 void print_line(std::string_view text = {}, char color = ' ');
 

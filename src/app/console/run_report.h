@@ -3,6 +3,7 @@
 #include "app/console/event_log.h"
 #include "app/console/status.h"
 
+#include <optional>
 #include <string_view>
 
 namespace zvp {
@@ -16,6 +17,22 @@ struct RunReport {
     void log(std::string_view text) const {
         if (events != nullptr) events->log(text);
     }
+};
+
+/// One phase of a computation, from here to the end of the scope: an entry `event` of the log, and the task that the sink
+/// shows, which begins with `line`.
+class ReportedTask {
+public:
+    ReportedTask(const RunReport& report, std::string_view event, std::string_view line) {
+        report.log(event);
+        if (report.sink != nullptr) task.emplace(*report.sink, line);
+    }
+
+    /// The task's first node; null without a sink.
+    StatusNode* node() const { return task ? &task->node : nullptr; }
+
+private:
+    std::optional<StatusTask> task;
 };
 
 } // namespace zvp

@@ -7,8 +7,13 @@
 
 namespace zvp {
 
-void stop_unbuilt(std::string_view what) {
+void print_unbuilt(std::string_view what) {
     print_line(std::string(what) + " isn't part of version " + version_text() + ".", 'R');
+    set_color('w');
+}
+
+void stop_unbuilt(std::string_view what) {
+    print_unbuilt(what);
     fatal_stop();
 }
 

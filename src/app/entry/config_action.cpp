@@ -3,17 +3,17 @@
 #include "app/console/unbuilt.h"
 #include "app/failure/exceptions.h"
 #include "app/notation/config_file.h"
+#include "session/custom_action.h"
 
 namespace zorvane {
 
 const zvp::Registry<ConfigAction>& config_actions() {
     static const zvp::Registry<ConfigAction> table(
-        "Duplicate Action",
-        {
-            {"CustomCompute", [](const zvp::Object&) { zvp::stop_unbuilt("Running \"CustomCompute\""); }},
-            {"BenchIO", [](const zvp::Object&) { zvp::stop_unbuilt("Running \"BenchIO\""); }},
-            {"StressTest", [](const zvp::Object&) { zvp::stop_unbuilt("Running \"StressTest\""); }},
-        });
+        "Duplicate Action", {
+                                {"CustomCompute", run_custom_config},
+                                {"BenchIO", [](const zvp::Object&) { zvp::stop_unbuilt("Running \"BenchIO\""); }},
+                                {"StressTest", [](const zvp::Object&) { zvp::stop_unbuilt("Running \"StressTest\""); }},
+                            });
     return table;
 }
 

@@ -1,6 +1,7 @@
 #include "app/failure/exceptions.h"
 
 #include "app/console/console.h"
+#include "app/console/number_forms.h"
 
 namespace zvp {
 
@@ -134,8 +135,8 @@ void BSRModularCheckFailedException::serialize(std::string& bytes) const {
 void BSRModularCheckFailedException::print_body() const {
     print_function();
     print_line(message);
-    print_line("    a = " + std::to_string(a));
-    print_line("    b = " + std::to_string(b));
+    print_line("    a = " + format_number(a, NumberForm::commas));
+    print_line("    b = " + format_number(b, NumberForm::commas));
     for (std::size_t i = 0; i < hashes.size(); ++i)
         print_line("    hash[" + std::to_string(i) + "] = " + std::to_string(hashes[i]));
 }

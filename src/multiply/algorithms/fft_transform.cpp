@@ -1,11 +1,22 @@
 #include "multiply/algorithms/fft_transform.h"
 
+#include "app/failure/exceptions.h"
+#include "digits/hash/word_hash.h"
 #include "multiply/contract/multiply_tables.h"
 #include "multiply/fft/fft.h"
 
 #include <cstring>
 
 namespace zvp {
+
+namespace {
+
+/// T = words s .. e - 1 of those at M.
+void copy_range(c32i* T, const std::byte* M, std::size_t s, std::size_t e) {
+    if (s < e) std::memcpy(T, M + s * sizeof *T, (e - s) * sizeof *T);
+}
+
+} // namespace
 
 FFTTransform::FFTTransform(std::uint64_t bits) : length(fft_length(bits)) {
     capacity_bits = length.capacity_bits();
@@ -22,12 +33,39 @@ void FFTTransform::forward(const MultiplyParameters& pars, std::byte* M, std::by
 
 void FFTTransform::inverse_fsqr(const MultiplyParameters& pars, std::byte* M, std::byte* Xd, std::byte* Xs, c32i* T,
                                 std::size_t s, std::size_t e) const {
-    product(pars, M, Xd, Xs, Xs, T, s, e);
+    check_capacity(e);
+    multiply(pars, M, Xd, Xs, Xs);
+    copy_range(T, M, s, e);
 }
 
 void FFTTransform::inverse_fmul(const MultiplyParameters& pars, std::byte* M, std::byte* Xa, const std::byte* Xb,
                                 c32i* T, std::size_t s, std::size_t e) const {
-    product(pars, M, Xa, Xa, Xb, T, s, e);
+    check_capacity(e);
+    multiply(pars, M, Xa, Xa, Xb);
+    copy_range(T, M, s, e);
+}
+
+void FFTTransform::forward_fsqr(const MultiplyParameters& pars, std::byte* M, std::byte* X, const c32i* A,
+                                std::size_t AL, c32i* T, std::size_t s, std::size_t e) const {
+    if (!is_checked(2 * std::uint64_t{AL})) return Transform::forward_fsqr(pars, M, X, A, AL, T, s, e);
+    check_capacity(e);
+    forward(pars, M, X, A, AL);
+    const std::uint64_t a = hash_words(0, A, AL), hash = mul_mod(a, a);
+    multiply(pars, M, X, X, X, &hash);
+    copy_range(T, M, s, e);
+}
+
+void FFTTransform::forward_fmul(const MultiplyParameters& pars, std::byte* M, std::byte* Xa, const c32i* A,
+                                std::size_t AL, std::byte* Xb, const c32i* B, std::size_t BL, c32i* T, std::size_t s,
+                                std::size_t e) const {
+    if (!B || !is_checked(std::uint64_t{AL} + BL))
+        return Transform::forward_fmul(pars, M, Xa, A, AL, Xb, B, BL, T, s, e);
+    check_capacity(e);
+    forward(pars, M, Xb, B, BL);
+    forward(pars, M, Xa, A, AL);
+    const std::uint64_t hash = mul_mod(hash_words(0, A, AL), hash_words(0, B, BL));
+    multiply(pars, M, Xa, Xa, Xb, &hash);
+    copy_range(T, M, s, e);
 }
 
 bool FFTTransform::compatible(const Transform& other) const {
@@ -35,11 +73,22 @@ bool FFTTransform::compatible(const Transform& other) const {
     return same_class && same_class->length.code == length.code && same_class->capacity_bits == capacity_bits;
 }
 
-void FFTTransform::product(const MultiplyParameters& pars, std::byte* M, std::byte* Xd, const std::byte* Xa,
-                           const std::byte* Xb, c32i* T, std::size_t s, std::size_t e) const {
-    check_capacity(e);
-    fft_product(pars.tables->get<FftTables>(), length, M, Xd, Xa, Xb);
-    if (s < e) std::memcpy(T, M + s * sizeof *T, (e - s) * sizeof *T);
+std::span<const c32i> FFTTransform::product_words(const std::byte* M, std::size_t) const {
+    return {reinterpret_cast<const c32i*>(M), capacity_bits / word_bits<c32i>};
+}
+
+bool FFTTransform::is_checked(std::uint64_t product_words) const {
+    const std::uint64_t bits = product_words * word_bits<c32i>;
+    return bits >= least_checked_bits && bits <= capacity_bits;
+}
+
+void FFTTransform::multiply(const MultiplyParameters& pars, std::byte* M, std::byte* Xd, const std::byte* Xa,
+                            const std::byte* Xb, const std::uint64_t* hash) const {
+    const int top = fft_product(pars.tables->get<FftTables>(), length, M, Xd, Xa, Xb);
+    if (!hash) return;
+    const auto* words = reinterpret_cast<const c32i*>(M);
+    if (top != 0 || hash_words(0, words, capacity_bits / word_bits<c32i>) != *hash)
+        throw ConvolutionFailedException("FFTTransform::multiply()", "Modular redundancy check failed.");
 }
 
 } // namespace zvp

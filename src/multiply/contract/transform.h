@@ -6,13 +6,15 @@
 // transform area that ends as scratch. M is the scratch of scratch_bytes; every transform area has transform_bytes; all
 // are aligned to 64 bytes and disjoint. T takes the words s .. e - 1 of the product (words of the operands' kind), and
 // overlaps neither M nor a transform area; s <= e. For s > 0 a carry of up to 2 from below may be missing in its lowest
-// word. Objects are read-only once made; tasks may share them. An operand, or
-// an e, beyond the capacity throws ConvolutionTooSmallException.
+// word. Objects are read-only once made; tasks may share them. An operand, or an e, beyond the capacity throws
+// ConvolutionTooSmallException. Where an algorithm checks its products, a fault of the machine throws
+// AlgorithmFailedException or one of its family; T is undefined then.
 
 #include "multiply/contract/multiply_parameters.h"
 #include "multiply/words/word_types.h"
 
 #include <new>
+#include <span>
 #include <utility>
 
 namespace zvp {
@@ -71,6 +73,14 @@ public:
         if (B) forward(pars, M, Xb, B, BL);
         forward(pars, M, Xa, A, AL);
         inverse_fmul(pars, M, Xa, Xb, T, s, e);
+    }
+
+    /// What lies at M after a product of `length` words (c32i) of which some were left out, so that a caller can check it:
+    /// all words below the capacity, as the product has folded ("FFT"), or all of it, unless the range ended below the
+    /// top of an operand ("BKT"). Empty where an algorithm checks its products.
+    virtual std::span<const c32i> product_words(const std::byte* M, std::size_t length) const {
+        static_cast<void>(M), static_cast<void>(length);
+        return {};
     }
 
     /// forward of A into X, square. X ends as scratch.

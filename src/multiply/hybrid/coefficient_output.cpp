@@ -1,6 +1,7 @@
 #include "multiply/hybrid/coefficient_output.h"
 
 #include "app/failure/exceptions.h"
+#include "multiply/hybrid/residue.h"
 #include "multiply/words/word_loops.h"
 
 #include <algorithm>
@@ -8,25 +9,25 @@
 
 namespace zvp {
 
-void CoefficientOutput::put(std::uint64_t i, RingWord* x, const RingWord* before, TaskScratch scratch) const {
+void CoefficientOutput::put(std::uint64_t i, std::uint32_t power, RingWord* x, const RingWord* before,
+                            TaskScratch scratch, Sums& sums) const {
     const HybridSize& size = job.size;
     const std::size_t n = size.n, c = size.c;
-    if (is_above(i)) return;
-    if (is_below(i)) {
-        std::memset(x, 0, 4 * (c + 1));
-        return;
-    }
     RingWord small[least_fft_ring + 1];
     RingWord* const r = n < least_fft_ring ? small : scratch.element(size, 0);
     job.kernels.rotate(r, x, n, 64 * std::uint64_t{n} - size.k); // divided by 2^k
     job.kernels.normalize(r, n);
     if (r[n - 1] != 0 || r[n] != 0) throw AlgorithmFailedException("hybrid_product()", "Coefficient is too large.");
+    const std::uint32_t value = job.kernels.residue(r, n);
+    sums.values = add_residues(sums.values, multiply_residues(value, power));
     if (before) {
         const bool carry = add_words(r, r, before, c);
         add_word(r + c, c + 1, before[c]);
         add_word(r + c, c + 1, carry);
     }
     store(i, r);
+    const std::uint32_t kept = subtract_residues(value, job.kernels.residue(r, c));
+    sums.kept = add_residues(sums.kept, shift_residue(kept, c * i));
     std::memcpy(x, r + c, 4 * (c + 1));
 }
 
@@ -37,9 +38,9 @@ void CoefficientOutput::store(std::uint64_t i, const RingWord* words) const {
     if (first < last) std::memcpy(T + (first - s), words + (first - begin), 4 * (last - first));
 }
 
-void CoefficientOutput::finish_run(std::uint64_t i, const RingWord* x) const {
-    if (is_above(i) || is_below(i)) return;
+void CoefficientOutput::finish_run(std::uint64_t i, const RingWord* x, Sums& total) const {
     const std::size_t c = job.size.c, begin = c * (i + 1), below_end = std::min(c + 1, capacity() - begin);
+    total.kept = add_residues(total.kept, shift_residue(job.kernels.residue(x, c + 1), begin));
     add(begin, x, below_end);
     add(0, x + below_end, c + 1 - below_end);
 }

@@ -1,6 +1,8 @@
 #include "multiply/hybrid/element_passes.h"
 
+#include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace zvp {
 
@@ -31,11 +33,16 @@ struct Quad {
         : x{set.at(t), set.at(t + quarter), set.at(t + 2 * quarter), set.at(t + 3 * quarter)} {}
 };
 
+/// The results of a forward step that lie in z, to their places.
+void turn_quad(const HybridJob& job, const Quad& quad, std::uint64_t e, const Temporaries& z) {
+    const std::uint64_t exponents[3]{2 * e, e, 3 * e};
+    for (int i = 0; i < 3; ++i) multiply_by_root(job, quad.x[i + 1], z[i], exponents[i], z[3]);
+}
+
 void forward_quad(const HybridJob& job, const Quad& quad, std::uint64_t e, const Temporaries& z) {
     RingWord* const out[3]{z[0], z[1], z[2]};
     job.kernels.forward4(quad.x, out, job.size.n);
-    const std::uint64_t exponents[3]{2 * e, e, 3 * e};
-    for (int i = 0; i < 3; ++i) multiply_by_root(job, quad.x[i + 1], z[i], exponents[i], z[3]);
+    turn_quad(job, quad, e, z);
 }
 
 void inverse_quad(const HybridJob& job, const Quad& quad, std::uint64_t e, const Temporaries& z) {
@@ -62,9 +69,10 @@ void multiply_by_root(const HybridJob& job, RingWord* out, const RingWord* x, st
     job.kernels.subtract(out, spare, n);
 }
 
-void forward_levels(const HybridJob& job, const ElementSet& set, TaskScratch scratch) {
-    const Temporaries z(job.size, scratch);
-    unsigned left = set.levels;
+namespace {
+
+/// The lower `left` levels of the set's.
+void forward_steps(const HybridJob& job, const ElementSet& set, unsigned left, const Temporaries& z) {
     for (; left >= 2; left -= 2) {
         const std::uint64_t block = std::uint64_t{1} << left, quarter = block / 4;
         const std::uint64_t unit = unit_of(job, block * set.step);
@@ -78,6 +86,51 @@ void forward_levels(const HybridJob& job, const ElementSet& set, TaskScratch scr
         job.kernels.butterfly(set.at(t), set.at(t + 1), z[0], job.size.n);
         multiply_by_root(job, set.at(t + 1), z[0], e, z[3]);
     }
+}
+
+/// The lower half of an element: c words of an operand, as far as it has them.
+struct Slice {
+    const RingWord* words;
+    std::size_t count;
+
+    Slice(const HybridSize& size, const RingWord* A, std::size_t AL, std::uint64_t i)
+        : words(A + std::min<std::uint64_t>(AL, i * size.c)),
+          count(std::min<std::uint64_t>(AL - std::min<std::uint64_t>(AL, i * size.c), size.c)) {}
+    void copy_to(RingWord* x, std::size_t half) const {
+        std::copy_n(words, count, x);
+        std::memset(x + count, 0, 4 * (half - count));
+    }
+};
+
+/// Coefficients t, t + quarter, .. of the set, and the first step with them. Operands mostly end within the first half.
+void load_quad(const HybridJob& job, const ElementSet& set, const RingWord* A, std::size_t AL, std::uint64_t t,
+               const Temporaries& z) {
+    const std::uint64_t quarter = std::uint64_t{1} << (set.levels - 2);
+    const Quad quad(set, t, quarter);
+    const auto slice = [&](std::uint64_t i) {
+        return Slice(job.size, A, AL, set.offset + (t + i * quarter) * set.step);
+    };
+    if (slice(0).count == 0) {
+        for (RingWord* const x : quad.x) std::memset(x, 0, 4 * job.size.stride);
+        return;
+    }
+    const bool two = slice(2).count == 0;
+    for (unsigned i = 0; i < (two ? 2U : 4U); ++i) slice(i).copy_to(quad.x[i], job.size.n / 2);
+    RingWord* const out[3]{z[0], z[1], z[2]};
+    job.kernels.load4(quad.x, out, job.size.n, two);
+    turn_quad(job, quad, unit_of(job, set.step << set.levels) * (set.offset + t * set.step), z);
+}
+
+} // namespace
+
+void load_levels(const HybridJob& job, const ElementSet& set, const RingWord* A, std::size_t AL, TaskScratch scratch) {
+    const Temporaries z(job.size, scratch);
+    for (std::uint64_t t = 0; t < std::uint64_t{1} << (set.levels - 2); ++t) load_quad(job, set, A, AL, t, z);
+    forward_steps(job, set, set.levels - 2, z);
+}
+
+void forward_levels(const HybridJob& job, const ElementSet& set, TaskScratch scratch) {
+    forward_steps(job, set, set.levels, Temporaries(job.size, scratch));
 }
 
 void inverse_levels(const HybridJob& job, const ElementSet& set, TaskScratch scratch) {

@@ -26,14 +26,17 @@ struct TaskScratch {
     }
 };
 
-/// The upper `levels` levels of the transform of the set's block, down to blocks of `step` points.
+/// The upper `levels` levels of the transform of the set's block, down to blocks of `step` points. load_levels() takes the
+/// points from the AL words at A, c for each; the set is one of the whole transform and has at least two levels.
+void load_levels(const HybridJob& job, const ElementSet& set, const RingWord* A, std::size_t AL, TaskScratch scratch);
 void forward_levels(const HybridJob& job, const ElementSet& set, TaskScratch scratch);
 void inverse_levels(const HybridJob& job, const ElementSet& set, TaskScratch scratch);
 
 /// out := x √2^e, any e. `spare` is a further element.
 void multiply_by_root(const HybridJob& job, RingWord* out, const RingWord* x, std::uint64_t e, RingWord* spare);
 
-/// xd := xa * xb in the ring, canonical operands and result. Any of them may be the same.
+/// xd := xa * xb in the ring, canonical result. Any of them may be the same. xa, xb: elements of forms, with residues in
+/// their top words (coefficient_residues.h).
 void ring_product(const HybridJob& job, RingWord* xd, const RingWord* xa, const RingWord* xb, TaskScratch scratch);
 
 } // namespace zvp

@@ -1,40 +1,18 @@
 #include "multiply/hybrid/hybrid_transform.h"
 
+#include "app/failure/exceptions.h"
 #include "multiply/hybrid/coefficient_output.h"
-#include "multiply/hybrid/element_passes.h"
+#include "multiply/hybrid/coefficient_residues.h"
+#include "multiply/hybrid/range_tasks.h"
+#include "multiply/hybrid/residue.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 
 namespace zvp {
 
 namespace {
-
-/// Calls work(begin, end, scratch) for equal ranges of `count` items, one task each.
-template <class Work>
-class RangeAction final : public BasicAction {
-public:
-    RangeAction(const HybridJob& job_, std::uint64_t count_, const Work& work_)
-        : job(job_), count(count_), work(work_) {}
-    std::uint32_t tasks() const { return static_cast<std::uint32_t>(std::min<std::uint64_t>(job.size.tasks, count)); }
-    std::uint64_t boundary(std::uint32_t index) const { return count * index / tasks(); }
-    void run(std::uint32_t index) override {
-        work(boundary(index), boundary(index + 1), TaskScratch{job.M + index * job.size.ring_scratch_bytes});
-    }
-
-private:
-    const HybridJob& job;
-    std::uint64_t count;
-    const Work& work;
-};
-
-template <class Work>
-void run_ranges(const HybridJob& job, std::uint64_t count, const Work& work) {
-    RangeAction<Work> action(job, count, work);
-    const std::uint32_t tasks = action.tasks();
-    if (tasks > 1 && job.ctx.framework) return job.ctx.framework->run_in_parallel(action, 0, tasks);
-    for (std::uint32_t i = 0; i < tasks; ++i) action.run(i);
-}
 
 /// How a block of 2^k points falls into columns and rows.
 struct Split {
@@ -61,16 +39,6 @@ RingWord* row_of(const HybridJob& job, RingWord* X, const Split& split, std::uin
 
 /// Whether a pass over all levels of the block keeps to the cache.
 bool is_small(const HybridJob& job, unsigned k) { return k <= 3 || cache_split(2 * k, job.size.n) >= k; }
-
-void load_column(const HybridJob& job, const ElementSet& column, const RingWord* A, std::size_t AL) {
-    const HybridSize& size = job.size;
-    for (std::uint64_t t = 0; t < std::uint64_t{1} << column.levels; ++t) {
-        const std::uint64_t begin = std::min<std::uint64_t>(AL, (column.offset + t * column.step) * size.c);
-        const std::uint64_t count = std::min<std::uint64_t>(AL - begin, size.c);
-        std::copy_n(A + begin, count, column.at(t));
-        std::memset(column.at(t) + count, 0, 4 * (size.stride - count));
-    }
-}
 
 void forward_block(const HybridJob& job, RingWord* X, unsigned k, TaskScratch scratch) {
     if (is_small(job, k)) {
@@ -105,75 +73,106 @@ void product_block(const HybridJob& job, RingWord* Xd, const RingWord* Xa, const
 void forward_columns(const HybridJob& job, RingWord* X, const RingWord* A, std::size_t AL) {
     const Split split = split_of(job, job.size.k);
     run_ranges(job, split.columns(), [&](std::uint64_t begin, std::uint64_t end, TaskScratch scratch) {
-        for (std::uint64_t i = begin; i < end; ++i) {
-            const ElementSet column = column_of(job, X, split, i);
-            load_column(job, column, A, AL);
-            forward_levels(job, column, scratch);
-        }
+        for (std::uint64_t i = begin; i < end; ++i) load_levels(job, column_of(job, X, split, i), A, AL, scratch);
     });
 }
 
+/// Throws when the sums of all coefficients aren't those that are expected.
+class SumCheck {
+public:
+    void add(const CoefficientOutput::Sums& sums) {
+        values += sums.values;
+        kept += sums.kept;
+    }
+    void expect(std::uint32_t expected_value, std::uint32_t expected_kept) const {
+        if (reduce_residue(values) != expected_value || reduce_residue(kept) != expected_kept)
+            throw ConvolutionFailedException("hybrid_product()", "Modular redundancy check failed.");
+    }
+
+private:
+    std::atomic<std::uint64_t> values{0}, kept{0}; // of residues: as many as tasks
+};
+
 /// The last pass of the inverse, and the way out.
-void inverse_columns(const HybridJob& job, RingWord* X, RingWord* T, std::size_t s, std::size_t e) {
+void inverse_columns(const HybridJob& job, RingWord* X, RingWord* T, std::size_t s, std::size_t e,
+                     std::uint32_t expected) {
     const HybridSize& size = job.size;
     const Split split = split_of(job, size.k);
     const CoefficientOutput output(job, T, s, e);
+    SumCheck check;
+    const std::uint32_t down_a_column = residue_power(check_point, split.columns());
     const auto columns = [&](std::uint64_t begin, std::uint64_t end, TaskScratch scratch) {
+        CoefficientOutput::Sums sums;
         for (std::uint64_t i = begin; i < end; ++i) {
             const ElementSet column = column_of(job, X, split, i);
             inverse_levels(job, column, scratch);
-            for (std::uint64_t t = 0; t < split.rows(); ++t)
-                output.put(i + t * split.columns(), column.at(t), i > begin ? column.at(t) - size.stride : nullptr,
-                           scratch);
+            std::uint32_t power = residue_power(check_point, i);
+            for (std::uint64_t t = 0; t < split.rows(); ++t, power = multiply_residues(power, down_a_column))
+                output.put(i + t * split.columns(), power, column.at(t),
+                           i > begin ? column.at(t) - size.stride : nullptr, scratch, sums);
         }
+        check.add(sums);
     };
-    run_ranges(job, split.columns(), columns);
+    const auto ranges = run_ranges(job, split.columns(), columns);
     // What stands above the last coefficient of each task's run belongs to the first of the next.
-    const RangeAction<decltype(columns)> ranges(job, split.columns(), columns);
+    CoefficientOutput::Sums left;
     for (std::uint64_t t = 0; t < split.rows(); ++t)
         for (std::uint32_t task = 0; task < ranges.tasks(); ++task) {
             const std::uint64_t last = ranges.boundary(task + 1) - 1 + t * split.columns();
-            output.finish_run(last, X + last * size.stride);
+            output.finish_run(last, X + last * size.stride, left);
         }
+    check.expect(expected, left.kept);
 }
 
-/// Calls work(offset, scratch) for each row, whose elements begin so many words into a form.
+/// Calls work(row, scratch) for each row.
 template <class Work>
 void run_rows(const HybridJob& job, const Work& work) {
-    const Split split = split_of(job, job.size.k);
-    run_ranges(job, split.rows(), [&](std::uint64_t begin, std::uint64_t end, TaskScratch scratch) {
-        for (std::uint64_t i = begin; i < end; ++i) work(i * (job.size.stride << split.row_levels), scratch);
+    run_ranges(job, split_of(job, job.size.k).rows(), [&](std::uint64_t begin, std::uint64_t end, TaskScratch scratch) {
+        for (std::uint64_t i = begin; i < end; ++i) work(i, scratch);
     });
+}
+
+/// The row of a form, ready for products.
+void forward_row(const HybridJob& job, const HybridOperand& operand, const Split& split, std::uint64_t row,
+                 TaskScratch scratch) {
+    forward_block(job, row_of(job, operand.X, split, row), split.row_levels, scratch);
+    store_residues(job, operand.X, operand.words, operand.length, row * split.columns(), split.columns());
 }
 
 } // namespace
 
 void hybrid_forward(const HybridJob& job, RingWord* X, const RingWord* A, std::size_t AL) {
-    const unsigned row_levels = split_of(job, job.size.k).row_levels;
+    const Split split = split_of(job, job.size.k);
     forward_columns(job, X, A, AL);
-    run_rows(job, [&](std::size_t row, TaskScratch scratch) { forward_block(job, X + row, row_levels, scratch); });
+    run_rows(job, [&](std::uint64_t row, TaskScratch scratch) { forward_row(job, {X, A, AL}, split, row, scratch); });
 }
 
 void hybrid_product(const HybridJob& job, RingWord* Xd, const RingWord* Xa, const RingWord* Xb, RingWord* T,
                     std::size_t s, std::size_t e) {
-    const unsigned row_levels = split_of(job, job.size.k).row_levels;
-    run_rows(job, [&](std::size_t row, TaskScratch scratch) {
-        product_block(job, Xd + row, Xa + row, Xb + row, row_levels, scratch);
+    const Split split = split_of(job, job.size.k);
+    const ResidueSource a{Xa, nullptr, 0}, b{Xb, nullptr, 0};
+    const std::uint32_t expected = expected_residue(job, a, Xa == Xb ? nullptr : &b);
+    run_rows(job, [&](std::uint64_t row, TaskScratch scratch) {
+        const std::size_t offset = row * (job.size.stride << split.row_levels);
+        product_block(job, Xd + offset, Xa + offset, Xb + offset, split.row_levels, scratch);
     });
-    inverse_columns(job, Xd, T, s, e);
+    inverse_columns(job, Xd, T, s, e, expected);
 }
 
 void hybrid_multiply(const HybridJob& job, const HybridOperand& a, const HybridOperand& b, RingWord* T, std::size_t s,
                      std::size_t e) {
-    const unsigned row_levels = split_of(job, job.size.k).row_levels;
+    const Split split = split_of(job, job.size.k);
     for (const HybridOperand& operand : {a, b})
         if (operand.words) forward_columns(job, operand.X, operand.words, operand.length);
-    run_rows(job, [&](std::size_t row, TaskScratch scratch) {
-        for (const HybridOperand& operand : {b, a})
-            if (operand.words) forward_block(job, operand.X + row, row_levels, scratch);
-        product_block(job, a.X + row, a.X + row, b.X + row, row_levels, scratch);
+    run_rows(job, [&](std::uint64_t row, TaskScratch scratch) {
+        if (b.words) forward_row(job, b, split, row, scratch);
+        RingWord* const x = row_of(job, a.X, split, row);
+        forward_block(job, x, split.row_levels, scratch);
+        product_block(job, x, x, row_of(job, b.X, split, row), split.row_levels, scratch);
     });
-    inverse_columns(job, a.X, T, s, e);
+    const ResidueSource left{nullptr, a.words, a.length}, right{b.X, nullptr, 0};
+    const std::uint32_t expected = expected_residue(job, left, a.X == b.X ? nullptr : &right);
+    inverse_columns(job, a.X, T, s, e, expected);
 }
 
 } // namespace zvp

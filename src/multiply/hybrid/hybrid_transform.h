@@ -9,7 +9,7 @@
 //   forward form, in the order that the divisions leave  -> products of elements -> rows -> columns
 //
 // Every pass is cut into tasks: columns first, then rows. An element's value is kept modulo 2^N + 1 with a small signed
-// top word; forward forms are canonical.
+// top word. Forward forms are canonical, and carry residues of their operand above the lowest bit of the top words.
 
 #include "multiply/fft/fft_tables.h"
 #include "multiply/hybrid/hybrid_size.h"
@@ -40,13 +40,18 @@ struct HybridOperand {
 /// T = words s .. e - 1 of the product of the forward forms Xa and Xb, e at most the capacity of C words. A range from
 /// s = 0 on is exact; above, its lowest word may miss a carry of at most 2 from below. A product of more than C words comes
 /// modulo 2^(32 C) - 1, where zero may be all ones, if the range is the whole; other ranges are defined above the words on
-/// which its top folds, but for a carry out of those. Xd takes the work and may be Xa; Xb may be Xa, and survives when it isn't Xd. Throws AlgorithmFailedException, "Coefficient is too large.", when a
-/// coefficient is larger than operands can make it: a fault of the memory or the processor.
+/// which its top folds, but for a carry out of those. Xd takes the work and may be Xa; Xb may be Xa, and survives when it
+/// isn't Xd.
+///
+/// A fault of the memory or the processor, from the words of the operands to those of the product, throws: mostly
+/// AlgorithmFailedException, "Coefficient is too large.", else ConvolutionFailedException, "Modular redundancy check
+/// failed." (coefficient_residues.h). T is undefined then.
 void hybrid_product(const HybridJob& job, RingWord* Xd, const RingWord* Xa, const RingWord* Xb, RingWord* T,
                     std::size_t s, std::size_t e);
 
-/// The same product of operands of which one at least is raw. A row is transformed, multiplied and transformed back
+/// The same product of a raw operand a and one that is raw or a form. A row is transformed, multiplied and transformed back
 /// while the cache holds it. a.X takes the work; b.X ends as a forward form. A square has b.X = a.X and no words for b.
+/// T may be an operand's words.
 void hybrid_multiply(const HybridJob& job, const HybridOperand& a, const HybridOperand& b, RingWord* T, std::size_t s,
                      std::size_t e);
 

@@ -23,6 +23,9 @@ struct RingKernels {
     /// x0 := x0 + x1 + x2 + x3, z1 := x0 - x1 + x2 - x3, z2 := x0 - x2 + J (x1 - x3), z3 := x0 - x2 - J (x1 - x3).
     void (*forward4)(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n);
 
+    /// forward4() of 0 <= x < 2^(N/2), of which the lower n/2 words are read; with `two`, x2 and x3 are zero and not read.
+    void (*load4)(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n, bool two);
+
     /// Back from forward4(), times 4: takes x[0] and z, leaves all of x.
     void (*inverse4)(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n);
 
@@ -34,6 +37,9 @@ struct RingKernels {
 
     /// x := its canonical form.
     void (*normalize)(RingWord* x, std::size_t n);
+
+    /// The number of any count of words at x modulo 2^31 - 1, below that.
+    std::uint32_t (*residue)(const RingWord* x, std::size_t words);
 };
 
 const RingKernels& ring_kernels(platform::KernelSet set);

@@ -29,6 +29,9 @@
 //   InvalidParametersException    two transforms of different lengths, which are printed; a consumed one
 //   BufferTooSmallException       T's capacity is less than the words of the window, the product's top word counted
 //                                 even if it is zero
+//
+// A fault of the machine that the transform finds throws AlgorithmFailedException or one of its family; T's words are
+// undefined then.
 
 #include "multiply/contract/transform.h"
 #include "numbers/big_float.h"

@@ -15,6 +15,9 @@
 //   ConvolutionTooSmallException  the product, before cutting, is longer than tr.capacity_bits
 //   InvalidParametersException    two transforms of different lengths, which are printed; a consumed one
 //   BufferTooSmallException       T's capacity is less than A.L + B.L words, or than those from low on
+//
+// A fault of the machine that the transform finds throws AlgorithmFailedException or one of its family; T's words are
+// undefined then.
 
 #include "multiply/contract/transform.h"
 #include "numbers/exact_float.h"

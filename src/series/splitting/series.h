@@ -35,7 +35,7 @@ public:
     virtual std::uint64_t midpoint(std::uint64_t a, std::uint64_t b) const = 0;
 
     std::uint64_t N = 0;           // terms
-    std::uint32_t leaf_terms = 0;  // ranges of fewer terms are leaves
+    std::uint32_t leaf_terms = 0;  // ranges of fewer terms are leaves; at least 2
     std::uint32_t split_slack = 0; // words added to each half by plans of memory
     bool alternating = false;
 };

@@ -154,6 +154,34 @@ TYPED_TEST(FFT, WhatExceedsTheCapacityIsRefused) {
                  LimitExceededException);
 }
 
+TYPED_TEST(FFT, AWrongRootIsFound) {
+    using Word = TypeParam;
+    SCOPED_TRACE(test::seed_trace());
+    const std::size_t n = this->most_words;
+    const auto& algorithm = fft_algorithm<Word>();
+    const auto A = this->operand(n / 2), B = this->operand(n - n / 2);
+    const auto product = test::exact_product(A, B), square = test::exact_product(A, A);
+    GuardedArea M(algorithm.total(n, 1));
+    const MultiplyParameters pars{{}, nullptr, &this->tables, M.data, M.bytes};
+    std::vector<Word> T(n);
+    unsigned caught = 0;
+    for (int round = 0; round < 200; ++round) {
+        std::byte& byte = this->memory->data[this->random() % (this->memory->bytes / 8) * 8 + 6];
+        byte ^= std::byte{4}; // a high bit of the mantissa
+        const bool squared = round % 2;
+        try {
+            squared ? algorithm.sqr(pars, T.data(), A.data(), A.size())
+                    : algorithm.mul(pars, T.data(), A.data(), A.size(), B.data(), B.size());
+            EXPECT_TRUE(T == (squared ? square : product));
+        } catch (const ConvolutionFailedException& failure) {
+            EXPECT_EQ(failure.message, "Modular redundancy check failed.");
+            ++caught;
+        }
+        byte ^= std::byte{4};
+    }
+    EXPECT_GT(caught, 3U) << "or no flip struck a root in use";
+}
+
 TEST(FFTTransform, FormsGoTogetherByClassAndLength) {
     test::IdleTransform other;
     other.capacity_bits = 2688;

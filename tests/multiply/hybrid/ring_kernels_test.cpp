@@ -121,6 +121,23 @@ TEST_P(Kernels, RadixFourStepsAndTheWayBack) {
     });
 }
 
+TEST_P(Kernels, FirstStepsOfHalves) {
+    for_forms(60, [&](Form& form) {
+        RingWord* const x[4]{form.at(1), form.at(6), form.at(3), form.at(4)};
+        RingWord* const z[3]{form.at(0), form.at(5), form.at(2)};
+        const bool two = random() % 2;
+        mpz_class low[4];
+        for (int i = 0; i < (two ? 2 : 4); ++i) mpz_import(low[i].get_mpz_t(), form.n / 2, -1, 4, 0, 0, x[i]);
+        const auto& [x0, x1, x2, x3] = low;
+        const mpz_class J = form.power(16 * form.n);
+        form.expect_effect({{1, x0 + x1 + x2 + x3},
+                            {0, x0 - x1 + x2 - x3},
+                            {5, x0 - x2 + J * (x1 - x3)},
+                            {2, x0 - x2 - J * (x1 - x3)}},
+                           [&] { kernels.load4(x, z, form.n, two); });
+    });
+}
+
 TEST_P(Kernels, RotationsByEveryKindOfShift) {
     for_forms(8, [&](Form& form) {
         const std::uint64_t N = 32 * form.n;
@@ -151,6 +168,19 @@ TEST_P(Kernels, NormalFormIsCanonical) {
             ASSERT_TRUE(std::equal(canonical.begin(), canonical.end(), form.at(i)));
         }
     });
+}
+
+TEST_P(Kernels, ResiduesOfEveryLength) {
+    SCOPED_TRACE(test::seed_trace());
+    for (std::size_t n = 0; n < 700; n += n < 200 ? 1 : 37)
+        for (const bool ones : {true, false}) {
+            std::vector<std::uint32_t> words(n + 1, ~0U);
+            if (!ones)
+                for (auto& word : words) word = static_cast<std::uint32_t>(random());
+            mpz_class value;
+            mpz_import(value.get_mpz_t(), n, -1, 4, 0, 0, words.data() + 1);
+            EXPECT_EQ(kernels.residue(words.data() + 1, n), mpz_fdiv_ui(value.get_mpz_t(), 0x7FFFFFFF)) << n;
+        }
 }
 
 TEST_P(Kernels, RootsOfEvenAndOddHalfBits) {

@@ -139,38 +139,6 @@ TEST(TransformProducts, EveryWindowHasTheWordsOfTheProduct) {
     }
 }
 
-TEST(TransformProducts, ATransformForTheUnknownPartServesANewtonStep) {
-    // A * F = 1 + d with d below W^(2-q): the words of 1 fold, those of d come from -p on, one guard word below included.
-    SCOPED_TRACE(seed_trace());
-    std::mt19937_64 random(seed());
-    const Multiplier multiplier;
-    for (const std::size_t p : {30u, 150u, 250u, 1000u, 5000u}) {
-        for (const bool above : {false, true}) {
-            SCOPED_TRACE(testing::Message() << "p " << p << (above ? " above" : " below"));
-            const std::size_t q = p / 2 + 1;
-            const auto position = [](std::size_t x) { return -static_cast<std::int64_t>(x); };
-            const Number A(random_words(random, p + 2), position(p + 2));
-            const mpz_class one = mpz_class(1) << 32 * (p + 2 + q + 1);
-            const mpz_class F_words = one / integer(A.f.T, A.f.L) + (above ? 1 : 0);
-            Number F(q + 3);
-            std::size_t F_length = 0;
-            mpz_export(F.f.T, &F_length, -1, 4, 0, 0, F_words.get_mpz_t());
-            F.f.L = F_length;
-            F.f.exp = position(q + 1);
-            F.f.sign = true;
-            Bench bench(multiplier.pars, p + 8);
-            Number T(p + 3);
-            BigFloatTransformR Ft;
-            const std::int64_t eps = position(q - 2);
-            BigFloatTransformR::mul_rr_xf(multiplier.pars, bench.tr, bench.M, T.f, position(p), eps, bench.Xa, A.f, p,
-                                          bench.Xb, F.f, p, Ft);
-            EXPECT_EQ(T.f.get_word(eps - 1), above ? 0 : ones);
-            const Wanted wanted(bench, A.f, F.f, position(p), eps);
-            expect_window("mul_rr_xf", T, wanted, true);
-        }
-    }
-}
-
 TEST(TransformProducts, PrecisionKeepsGuardWordsAndTheirBound) {
     SCOPED_TRACE(seed_trace());
     std::mt19937_64 random(seed());

@@ -22,6 +22,13 @@ protected:
         std::function<void(Bench&, Float& T, const Float& A, const Float& B)> run;
     };
 
+    /// A form of A at X.
+    Form form_of(Bench& b, const Float& A, std::byte* X) {
+        Form form;
+        form.forward(multiplier.pars, b.tr, b.M, A, X);
+        return form;
+    }
+
     std::vector<Operation> whole_operations() {
         const auto& pars = multiplier.pars;
         return {
@@ -37,30 +44,27 @@ protected:
              }},
             {"mul_rf_xf()", false,
              [&](Bench& b, Float& T, const Float& A, const Float& B) {
-                 Form kept;
-                 kept.forward(pars, b.tr, b.M, B, b.Xb);
+                 const Form kept = form_of(b, B, b.Xb);
                  for (int i = 0; i < 2; ++i) Form::mul_rf_xf(pars, b.tr, b.M, T, b.Xa, A, kept);
              }},
             {"inverse_fmul()", false,
              [&](Bench& b, Float& T, const Float& A, const Float& B) {
-                 Form a, kept;
-                 kept.forward(pars, b.tr, b.M, B, b.Xb);
+                 Form a;
+                 const Form kept = form_of(b, B, b.Xb);
                  for (int i = 0; i < 2; ++i) {
-                     a.forward(pars, b.tr, b.M, A, b.Xa);
+                     a = form_of(b, A, b.Xa);
                      a.inverse_fmul(pars, b.M, T, kept);
                  }
                  EXPECT_EQ(a.X != nullptr, A.L > 0 && B.L == 0);
              }},
             {"inverse_fmul()", true,
              [&](Bench& b, Float& T, const Float& A, const Float&) {
-                 Form a;
-                 a.forward(pars, b.tr, b.M, A, b.Xa);
+                 Form a = form_of(b, A, b.Xa);
                  a.inverse_fmul(pars, b.M, T, a);
              }},
             {"inverse_fsqr()", true,
              [&](Bench& b, Float& T, const Float& A, const Float&) {
-                 Form a;
-                 a.forward(pars, b.tr, b.M, A, b.Xa);
+                 Form a = form_of(b, A, b.Xa);
                  a.inverse_fsqr(pars, b.M, T, b.Xb);
                  expect_form(a, b, A);
                  a.inverse_fsqr(pars, b.M, T, b.Xa);
@@ -93,9 +97,7 @@ protected:
              }},
             {"mul_rf_xf(exp)", false,
              [&, low](Bench& b, Float& T, const Float& A, const Float& B) {
-                 Form kept;
-                 kept.forward(pars, b.tr, b.M, B, b.Xb);
-                 Form::mul_rf_xf(pars, b.tr, b.M, T, low, b.Xa, A, kept);
+                 Form::mul_rf_xf(pars, b.tr, b.M, T, low, b.Xa, A, form_of(b, B, b.Xb));
              }},
         };
     }
@@ -127,14 +129,14 @@ TYPED_TEST(ExactTransformOf, WholeProductsAreExactAndCarryTheirResidue) {
         for (int round = 0; round < (length < 5000 ? 8 : 1); ++round) {
             const std::size_t half = length / 2, a = round % 2 ? half : 1 + random() % half;
             SCOPED_TRACE(testing::Message() << length << " words, " << a << " x " << length - a);
-            const Number<TypeParam> A(random_words<TypeParam>(random, a), -3, random() % 2),
+            const ExactNumber<TypeParam> A(random_words<TypeParam>(random, a), -3, random() % 2),
                 B(random_words<TypeParam>(random, length - a), 40, random() % 2);
             WordBench<TypeParam> bench(this->multiplier.pars, length);
             for (const auto& operation : this->whole_operations()) {
                 SCOPED_TRACE(operation.name);
                 const mpz_class x = in_units(A.f, -3), y = operation.square ? x : in_units(B.f, 40);
                 const std::size_t needed = operation.square ? 2 * a : length;
-                Number<TypeParam> T(needed), tight(needed - 1);
+                ExactNumber<TypeParam> T(needed), tight(needed - 1);
                 operation.run(bench, T.f, A.f, B.f);
                 expect_value(T, x * y, operation.square ? -6 : 37);
                 EXPECT_EQ(failure_of([&] { operation.run(bench, tight.f, A.f, B.f); }),
@@ -153,7 +155,7 @@ TYPED_TEST(ExactTransformOf, CutProductsKeepTheWordsAboveThePosition) {
     constexpr unsigned w = zvp::word_bits<TypeParam>;
     for (const std::size_t length : this->lengths()) {
         const std::size_t a = 1 + random() % (length - 1);
-        const Number<TypeParam> A(random_words<TypeParam>(random, a), -3, random() % 2),
+        const ExactNumber<TypeParam> A(random_words<TypeParam>(random, a), -3, random() % 2),
             B(random_words<TypeParam>(random, length - a), 40, random() % 2);
         WordBench<TypeParam> bench(this->multiplier.pars, length);
         const auto P = static_cast<std::int64_t>(length);
@@ -166,7 +168,7 @@ TYPED_TEST(ExactTransformOf, CutProductsKeepTheWordsAboveThePosition) {
             const std::size_t needed = cut <= 0 ? length : cut >= P ? 0 : length - static_cast<std::size_t>(cut);
             for (const auto& operation : this->cutting_operations(37 + cut)) {
                 SCOPED_TRACE(operation.name);
-                Number<TypeParam> T(needed);
+                ExactNumber<TypeParam> T(needed);
                 operation.run(bench, T.f, A.f, B.f);
                 EXPECT_TRUE(T.guards_are_intact() && (T.f.L == 0 || T.f.T[T.f.L - 1] != 0));
                 const mpz_class lost = kept - integer(T.f.T, T.f.L);
@@ -176,7 +178,7 @@ TYPED_TEST(ExactTransformOf, CutProductsKeepTheWordsAboveThePosition) {
                 EXPECT_EQ(T.f.hash, cut > 0 ? 0 : zvp::mul_mod(A.f.hash, B.f.hash));
                 bench.expect_intact();
                 if (needed == 0) continue;
-                Number<TypeParam> tight(needed - 1);
+                ExactNumber<TypeParam> tight(needed - 1);
                 EXPECT_EQ(failure_of([&] { operation.run(bench, tight.f, A.f, B.f); }),
                           std::string("ExactFloatTransformR::") + operation.name + " " + std::to_string(needed - 1)
                               + " " + std::to_string(needed));
@@ -190,8 +192,8 @@ TYPED_TEST(ExactTransformOf, TheHashTellsOfADamagedForm) {
     const auto& pars = this->multiplier.pars;
     for (const std::size_t length : {60u, 2000u}) {
         WordBench<TypeParam> bench(pars, length);
-        const Number<TypeParam> A(std::vector<TypeParam>(length / 2, 3), 9, false);
-        Number<TypeParam> T(length);
+        const ExactNumber<TypeParam> A(std::vector<TypeParam>(length / 2, 3), 9, false);
+        ExactNumber<TypeParam> T(length);
         Kept form;
         form.forward(pars, bench.tr, bench.M, A.f, bench.Xa);
         form.X[63] ^= std::byte{0x40}; // a digit of "BKT", an exponent's bit of the floating-point transform
@@ -203,16 +205,16 @@ TYPED_TEST(ExactTransformOf, TheHashTellsOfADamagedForm) {
 TYPED_TEST(ExactTransformOf, ZeroOperandsGiveZeroAndKeepForms) {
     using Kept = typename TestFixture::Form;
     const auto& pars = this->multiplier.pars;
-    const Number<TypeParam> zero({}, 0, true), A({7, 9}, 4, false);
+    const ExactNumber<TypeParam> zero({}, 0, true), A({7, 9}, 4, false);
     for (const std::size_t length : {40u, 2000u}) {
         for (const auto* operand : {&zero, &A}) {
-            const Number<TypeParam>& other = operand == &zero ? A : zero;
+            const ExactNumber<TypeParam>& other = operand == &zero ? A : zero;
             for (auto operations : {this->whole_operations(), this->cutting_operations(0)}) {
                 for (const auto& operation : operations) {
                     if (operation.square && operand == &A) continue;
                     SCOPED_TRACE(operation.name);
                     WordBench<TypeParam> bench(pars, length);
-                    Number<TypeParam> T({5}, 5, true);
+                    ExactNumber<TypeParam> T({5}, 5, true);
                     operation.run(bench, T.f, operand->f, other.f);
                     EXPECT_TRUE(T.f.L == 0 && T.f.exp == 0 && !T.f.sign && T.f.hash == 0);
                     const bool keeps = std::string(operation.name).find("xf") != std::string::npos;
@@ -222,7 +224,7 @@ TYPED_TEST(ExactTransformOf, ZeroOperandsGiveZeroAndKeepForms) {
         }
     }
     WordBench<TypeParam> bench(pars, 40);
-    Number<TypeParam> T({5}, 5, true);
+    ExactNumber<TypeParam> T({5}, 5, true);
     Kept fresh, a;
     a.forward(pars, bench.tr, bench.M, A.f, bench.Xa);
     fresh.inverse_fmul(pars, bench.M, T.f, a);
@@ -238,7 +240,7 @@ TYPED_TEST(ExactTransformOf, TheTargetMayBeAnOperand) {
     const auto& pars = this->multiplier.pars;
     for (const std::size_t n : {5u, 40u, 900u}) {
         WordBench<TypeParam> bench(pars, 2 * n);
-        Number<TypeParam> A(random_words<TypeParam>(random, n), 3, false, 2, n);
+        ExactNumber<TypeParam> A(random_words<TypeParam>(random, n), 3, false, 2, n);
         const mpz_class x = in_units(A.f, 3);
         Kept::mul_rr_xx(pars, bench.tr, bench.M, A.f, bench.Xa, A.f, bench.Xb, A.f);
         expect_value(A, x * x, 6);
@@ -248,8 +250,8 @@ TYPED_TEST(ExactTransformOf, TheTargetMayBeAnOperand) {
 TYPED_TEST(ExactTransformOf, RefusesTransformsThatAreTooShortOrAnotherOne) {
     using Kept = typename TestFixture::Form;
     const auto& pars = this->multiplier.pars;
-    const Number<TypeParam> A(std::vector<TypeParam>(30, ones<TypeParam>), 0, false);
-    Number<TypeParam> T(60);
+    const ExactNumber<TypeParam> A(std::vector<TypeParam>(30, all_ones<TypeParam>), 0, false);
+    ExactNumber<TypeParam> T(60);
     const auto failures = [&](std::size_t length, const char* type, const char* text) {
         WordBench<TypeParam> bench(pars, length);
         ASSERT_EQ(bench.words(), length);

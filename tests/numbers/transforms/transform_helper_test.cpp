@@ -25,9 +25,9 @@ TEST(TransformHelper, ScratchOfExactlyTheSizeIsEnough) {
             EXPECT_EQ(helper.pars().status, nullptr);
 
             const std::uint64_t needed = pars.ML--;
-            EXPECT_EQ(too_small([&] { TransformHelper(pars, length, forms); }), "TransformHelper::TransformHelper() "
-                                                                                    + std::to_string(needed - 1) + " "
-                                                                                    + std::to_string(needed));
+            EXPECT_EQ(failure_of([&] { TransformHelper(pars, length, forms); }), "TransformHelper::TransformHelper() "
+                                                                                     + std::to_string(needed - 1) + " "
+                                                                                     + std::to_string(needed));
         }
     }
 }

@@ -1,8 +1,8 @@
-// Arithmetic modulo 2^N + 1 in terms of `Block`, a run of 64-bit limbs that are added and subtracted as one number:
-// Block::limbs, load, store, add, subtract (with a carry or borrow of 0 or 1 in and out), complement, shift.
+// Arithmetic modulo 2^N + 1 in terms of `Block`, a run of 64-bit limbs (`Limb`) that are added and subtracted as one number:
+// Block::limbs, load, store, add, subtract (with a carry or borrow of 0 or 1 in and out), complement, shift; and limb by
+// limb, modulo 2^64, plus, masked, left, right.
 // What doesn't fill a block goes limb by limb.
 
-using Limb = std::uint64_t;
 __extension__ typedef __int128 Wide;
 
 /// One limb, with the operations of a block.
@@ -11,6 +11,7 @@ struct OneLimb {
 
     Limb v;
 
+    ZVP_KERNEL_INLINE static OneLimb zero() { return {0}; }
     ZVP_KERNEL_INLINE static OneLimb load(const RingWord* p) {
         OneLimb block;
         std::memcpy(&block.v, p, sizeof block.v);
@@ -154,6 +155,51 @@ void forward4(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n) {
            t0 - t2 - wide(k.b[1]) + wide(k.d[0]) - wide(k.out[3][1]));
 }
 
+/// Of halves: nothing but carries passes the middle, and J (x1 - x3) lies above x0 - x2.
+template <bool Two>
+struct Load4Step {
+    RingWord* const (&x)[4], * const (&z)[3];
+    std::size_t half;                           // words
+    unsigned a = 0, b = 0, c = 0, d = 0;        // first sums and differences
+    unsigned sum = 0, difference = 0, zero = 0; // a + c, a - c, 0 - d
+
+    template <class B>
+    ZVP_KERNEL_INLINE void run(std::size_t w) {
+        const B x0 = B::load(x[0] + w), x1 = B::load(x[1] + w);
+        B up = x0, down = x0, up1 = x1, down1 = x1;
+        if constexpr (!Two) {
+            const B x2 = B::load(x[2] + w), x3 = B::load(x[3] + w);
+            up = add(x0, x2, a);
+            down = subtract(x0, x2, b);
+            up1 = add(x1, x3, c);
+            down1 = subtract(x1, x3, d);
+        }
+        add(up, up1, sum).store(x[0] + w);
+        subtract(up, up1, difference).store(z[0] + w);
+        down.store(z[1] + w);
+        down1.store(z[1] + half + w);
+        down.store(z[2] + w);
+        subtract(B::zero(), down1, zero).store(z[2] + half + w);
+    }
+};
+
+template <bool Two>
+ZVP_KERNEL_INLINE void load4_halves(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n) {
+    Load4Step<Two> k{x, z, n / 2};
+    for_blocks(n / 4, k);
+    std::memset(x[0] + n / 2, 0, 2 * n);
+    std::memset(z[0] + n / 2, 0, 2 * n);
+    settle(x[0], n, wide(k.a) + wide(k.c) + wide(k.sum), 0);
+    settle(z[0], n, wide(k.a) - wide(k.c) - wide(k.difference), 0);
+    settle(z[1], n, -wide(k.b), -wide(k.d));
+    settle(z[2], n, -wide(k.b), wide(k.d) - wide(k.zero));
+}
+
+void load4(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n, bool two) {
+    if (two) return load4_halves<true>(x, z, n);
+    load4_halves<false>(x, z, n);
+}
+
 struct Inverse4Step {
     RingWord* const (&x)[4], * const (&z)[3];
     std::size_t half; // words
@@ -270,4 +316,39 @@ void normalize(RingWord* x, std::size_t n) {
     x[n] = 1;
 }
 
-constexpr RingKernels kernels{&butterfly, &forward4, &inverse4, &rotate, &subtract, &normalize};
+/// Limbs are summed modulo 2^62 - 1, a multiple of 2^31 - 1, lazily: any 64 bits stand for their residue.
+constexpr int sum_bits = 2 * residue_bits;
+
+ZVP_KERNEL_INLINE Block folded(Block a) { return plus(masked(a, (Limb{1} << sum_bits) - 1), right(a, sum_bits)); }
+
+/// a * 2^bits, below 2^62 + 2^(bits + 2).
+ZVP_KERNEL_INLINE Block turned(Block a, int bits) {
+    return plus(masked(left(a, bits), (Limb{1} << sum_bits) - 1), right(a, sum_bits - bits));
+}
+
+/// Horner's rule over rows of blocks from the top, a chain for each block of a row: limbs weigh 2^(64 i), which is
+/// 2^(2 i). What is less than a block goes word by word.
+std::uint32_t residue(const RingWord* x, std::size_t words) {
+    constexpr std::size_t width = 2 * Block::limbs, chains = Block::limbs / 2;
+    constexpr int step = 2 * Block::limbs, row_step = step * chains % sum_bits;
+    const std::size_t blocks = words / width, rows = blocks / chains;
+    Block sums[chains];
+    for (std::size_t j = 0; j < chains; ++j) {
+        const std::size_t i = rows * chains + j;
+        sums[j] = i < blocks ? folded(Block::load(x + i * width)) : Block::zero();
+    }
+    for (std::size_t i = rows * chains; i > 0; i -= chains)
+        for (std::size_t j = 0; j < chains; ++j)
+            sums[j] = plus(turned(sums[j], row_step), folded(Block::load(x + (i - chains + j) * width)));
+    Block total = Block::zero();
+    for (std::size_t j = chains; j-- > 0;) total = plus(turned(total, step), folded(sums[j]));
+    RingWord lanes[width];
+    total.store(lanes);
+    std::uint64_t sum = 0, rest = 0;
+    for (std::size_t i = 0; i < Block::limbs; ++i)
+        sum += std::uint64_t{reduce_residue(OneLimb::load(lanes + 2 * i).v)} << 2 * i;
+    for (std::size_t i = words; i > blocks * width; --i) rest = 2 * rest + x[i - 1];
+    return add_residues(reduce_residue(sum), shift_residue(reduce_residue(rest), blocks * width));
+}
+
+constexpr RingKernels kernels{&butterfly, &forward4, &load4, &inverse4, &rotate, &subtract, &normalize, &residue};

@@ -1,8 +1,10 @@
 // The ring's arithmetic in the avx512 set.
 
 #include "multiply/hybrid/kernels/kernel_tables.h"
+#include "multiply/hybrid/residue.h"
 #include "platform/simd/intrinsics.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "platform/simd/target_avx512_begin.inl"
@@ -10,6 +12,8 @@
 namespace zvp::avx512 {
 
 namespace {
+
+using Limb = std::uint64_t;
 
 /// Eight limbs of a vector. Limbs that carry out, and limbs that would if they took a carry in, become bits of two masks;
 /// adding the masks as integers runs the carries through all limbs at once.
@@ -36,6 +40,13 @@ struct Block {
         return {_mm512_or_si512(_mm512_sll_epi64(a.v, _mm_cvtsi32_si128(bits)),
                                 _mm512_srl_epi64(below.v, _mm_cvtsi32_si128(64 - bits)))};
     }
+    ZVP_KERNEL_INLINE static Block zero() { return {_mm512_setzero_si512()}; }
+    ZVP_KERNEL_INLINE friend Block plus(Block a, Block b) { return {_mm512_add_epi64(a.v, b.v)}; }
+    ZVP_KERNEL_INLINE friend Block masked(Block a, Limb mask) {
+        return {_mm512_and_si512(a.v, _mm512_set1_epi64(static_cast<long long>(mask)))};
+    }
+    ZVP_KERNEL_INLINE friend Block left(Block a, int bits) { return {_mm512_sll_epi64(a.v, _mm_cvtsi32_si128(bits))}; }
+    ZVP_KERNEL_INLINE friend Block right(Block a, int bits) { return {_mm512_srl_epi64(a.v, _mm_cvtsi32_si128(bits))}; }
 
 private:
     /// The limbs that take a carry in; `carry` goes in at the lowest and comes out of the highest.

@@ -1,13 +1,17 @@
 // The ring's arithmetic in 64-bit registers, for the sets without masks: a vector's carries would have to leave it.
 
 #include "multiply/hybrid/kernels/kernel_tables.h"
+#include "multiply/hybrid/residue.h"
 #include "platform/simd/intrinsics.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace zvp::plain {
 
 namespace {
+
+using Limb = std::uint64_t;
 
 /// Four limbs in registers, so that their carries stay in the flag.
 struct Block {
@@ -39,6 +43,23 @@ struct Block {
     }
     ZVP_KERNEL_INLINE friend Block shift(Block a, const Block& below, int bits) {
         for (std::size_t i = 0; i < limbs; ++i) a.v[i] = a.v[i] << bits | below.v[i] >> (64 - bits);
+        return a;
+    }
+    ZVP_KERNEL_INLINE static Block zero() { return {}; }
+    ZVP_KERNEL_INLINE friend Block plus(Block a, const Block& b) {
+        for (std::size_t i = 0; i < limbs; ++i) a.v[i] += b.v[i];
+        return a;
+    }
+    ZVP_KERNEL_INLINE friend Block masked(Block a, Limb mask) {
+        for (auto& limb : a.v) limb &= mask;
+        return a;
+    }
+    ZVP_KERNEL_INLINE friend Block left(Block a, int bits) {
+        for (auto& limb : a.v) limb <<= bits;
+        return a;
+    }
+    ZVP_KERNEL_INLINE friend Block right(Block a, int bits) {
+        for (auto& limb : a.v) limb >>= bits;
         return a;
     }
 };

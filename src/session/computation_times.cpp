@@ -1,0 +1,34 @@
+#include "session/computation_times.h"
+
+namespace zvp {
+
+void ComputationTimes::begin_run() {
+    start_milliseconds = platform::wall_clock_milliseconds();
+    start_date = platform::local_time_text();
+    samples.clear();
+    add_sample();
+}
+
+void ComputationTimes::begin_computation() {
+    before = platform::process_times();
+    computation_counter = platform::performance_counter();
+}
+
+void ComputationTimes::end() {
+    end_counter = platform::performance_counter();
+    after = platform::process_times();
+    end_milliseconds = platform::wall_clock_milliseconds();
+    end_date = platform::local_time_text();
+    add_sample();
+}
+
+void ComputationTimes::add_sample() {
+    samples.push_back(
+        {platform::performance_counter(), platform::time_stamp_counter(), platform::wall_clock_milliseconds()});
+}
+
+platform::ProcessTimes ComputationTimes::processor_seconds() const {
+    return {after.user_seconds - before.user_seconds, after.kernel_seconds - before.kernel_seconds};
+}
+
+} // namespace zvp
