@@ -10,7 +10,6 @@
 #include "parallel/memory/carving.h"
 
 #include <algorithm>
-#include <optional>
 
 namespace zvp {
 
@@ -18,34 +17,40 @@ namespace {
 
 constexpr const char* function = "Division_BigFloatR::run()";
 
-/// The residue of E = N - R, N without sign, by those of N's and R's words; R has `carry` more above the bound, if that is
-/// known. Throws if E has another.
+/// The residue of E = N - R, N without sign, by those of N's and R's words; R has `carry` more above the bound. Throws if E
+/// has another.
 std::uint64_t checked_residual(const StepWatch& watch, const BigFloat& E, std::uint64_t n, std::uint64_t r,
-                               std::int64_t bound, bool N_sign, std::optional<int> carry) {
-    const std::uint64_t e = watch.residue(E), all = watch.on ? pow_word(bound) : 0;
-    const std::uint64_t rest = subtract_mod(subtract_mod(n, r), E.sign == N_sign ? e : hash_negate(e));
-    const bool is_right[] = {rest == hash_negate(all), rest == 0, rest == all}; // by carry
-    if (carry ? !is_right[*carry + 1] : !is_right[0] && !is_right[1] && !is_right[2]) watch.fail();
+                               std::int64_t bound, bool N_sign, int carry) {
+    const std::uint64_t e = watch.residue(E), all = watch.on && carry != 0 ? pow_word(bound) : 0;
+    const std::uint64_t difference = subtract_mod(n, carry < 0 ? subtract_mod(r, all) : add_mod(r, all));
+    if (E.L > 0 && difference != (E.sign == N_sign ? e : hash_negate(e))) watch.fail();
+    if (E.L == 0 && difference != 0) watch.fail();
     return e;
 }
 
 /// E = N - R, of which the words below `bound` are at hand. A right quotient leaves a residual as small as a step of
 /// the reciprocal, so that the words at bound - 1 are equal, or one more and one less where a borrow passes; where it
-/// passes through the end of the window, the difference is taken modulo W^bound.
-void set_residual(BigFloat& E, std::size_t p, const ParallelContext& ctx, const BigFloat& N, const BigFloat& R,
-                  std::int64_t bound, bool N_sign) {
+/// passes through the end of the window, the difference is taken modulo W^bound. Returns how many more the product has above
+/// it than N.
+int set_residual(BigFloat& E, std::size_t p, const ParallelContext& ctx, const BigFloat& N, const BigFloat& R,
+                 std::int64_t bound, bool N_sign) {
     constexpr wtype ones = ~wtype{0};
     const wtype topA = R.get_word(bound - 1);
     const wtype topB = N.get_word(bound - 1);
-    if (topA == ones && topB == 0)
+    int carry = 0;
+    if (topA == ones && topB == 0) {
         E.set_rsub(p, ctx, N, R, bound, N_sign);
-    else if (topA == 0 && topB == ones)
+        carry = -1;
+    } else if (topA == 0 && topB == ones) {
         E.set_rsub(p, ctx, R, N, bound, !N_sign);
-    else
+        carry = 1;
+    } else {
         E.set_sub(p, ctx, N, R);
+    }
     if (!is_residual(E, bound - 3))
         throw AlgorithmFailedException(function, "Convergence Failure:\n    topA = " + format_number(topA)
                                                      + "\n    topB = " + format_number(topB));
+    return carry;
 }
 
 } // namespace
@@ -118,10 +123,10 @@ void Division_BigFloatR::run_large(const MultiplyParameters& pars, StatusNode* s
                                   helper.form(1), D, p, helper.form(2), Q, p);
     const WatchedProduct product =
         watch.product(R, watch.seen_factor(D, p + 2), watch.factor(Q, p + 2, q_residue), N.top() - words, bound);
-    const std::optional<int> carry = watch.check_near(product, bound, N);
     BigFloat Nc = N;
     Nc.truncate_at(bound, pars);
-    set_residual(E, q + 3, pars, Nc, R, bound, N.sign);
+    const int carry = set_residual(E, q + 3, pars, Nc, R, bound, N.sign);
+    watch.check_near(product, bound, N, carry);
     const std::int64_t low = E.L > 0 ? E.exp : StepWatch::lowest;
     const std::uint64_t r = subtract_mod(product.window, watch.residue(R, StepWatch::lowest, low));
     const std::uint64_t e = checked_residual(watch, E, watch.residue(Nc, low), r, bound, N.sign, carry);

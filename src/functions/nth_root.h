@@ -1,10 +1,10 @@
 #pragma once
 // A^(-1/n) for a word n, by Newton's iteration F' = F + F (1 - A F^n) / n.
 //
-// A step to precision p starts from an estimate F of precision q = p/2 + 1, whose relative error e makes A F^n differ from
-// 1 by about n e: less than a few hundred W^-q, as n < W, which each step proves (residual.h). The step leaves an error of
-// (n + 1) e^2 / 2, below W^-(p+1), that of the power, 12 n W^-(p+1) before it is divided by n, and the cuts at p + 2 words:
-// the relative error is below 40 W^-p.
+// A step to precision p starts from an estimate F of precision q = p/2 + 1, or p/2 + 2 for n >= 2^16. Its relative error e,
+// some W^-q where the top word is small, makes A F^n differ from 1 by n e, which each step proves to be below
+// residual_limit n W^-q: a word more than in an inverse, hence the word more of large n. The step leaves (n + 1) e^2 / 2, the
+// error of the power, 12 n W^-(p+1) before it is divided by n, and the cuts: the relative error is below 40 W^-p.
 //
 // Odd n takes the power n + 1, which is even and ends in a square: the residual is F A F^n - F. Even n takes the power n
 // and the residual A F^n - 1.

@@ -4,7 +4,6 @@
 #include "digits/hash/word_hash.h"
 
 #include <algorithm>
-#include <initializer_list>
 
 namespace zvp {
 
@@ -101,37 +100,34 @@ WatchedProduct StepWatch::product(const BigFloat& T, const WatchedFactor& a, con
     return product;
 }
 
-std::optional<int> StepWatch::check_near(const WatchedProduct& product, std::int64_t te, const BigFloat& K) const {
-    if (!on) return {};
+void StepWatch::check_near(const WatchedProduct& product, std::int64_t te, const BigFloat& K, int carry) const {
+    if (!on) return;
     const std::int64_t top = product.exp + static_cast<std::int64_t>(product.length);
     if (top < K.top() - 1 || top > K.top() + 1) fail();
-    if (product.C == 0) return {};
-    const auto C = static_cast<std::int64_t>(product.C);
-    const std::int64_t end = product.exp + C; // where it folds
-    const bool has_folded = product.length > product.C;
-    if (has_folded) {
-        const std::uint64_t modulus = add_mod(pow_word(C), 1), U = shift_words(residue(K, end), -end);
-        const std::uint64_t rest = subtract_mod(subtract_mod(product.total, product.folded), mul_mod(U, modulus));
-        if (rest != 0 && rest != modulus && rest != hash_negate(modulus)) fail();
-        if (end == te) return {};
+    if (product.C == 0) return;
+    const std::uint64_t change = carry < 0 ? hash_negate(1) : static_cast<std::uint64_t>(carry);
+    if (product.length <= product.C) {
+        if (product.above != add_mod(shift_words(residue(K, te), -te), change)) fail();
+        return;
     }
-    // A borrow or carry from below may pass, and, where the product has folded, leave at the top.
-    const std::uint64_t above = shift_words(residue(K, te, has_folded ? end : highest), -te);
-    const std::uint64_t difference = subtract_mod(product.above, above);
-    const std::uint64_t leaving = has_folded ? pow_word(end - te) : 0;
-    for (const int carry : {0, -1, 1})
-        for (const std::uint64_t left : {std::uint64_t{0}, leaving, hash_negate(leaving)})
-            if (subtract_mod(difference, left) == (carry < 0 ? hash_modulus - 1 : static_cast<std::uint64_t>(carry)))
-                return carry;
-    fail();
+    // A carry or borrow that leaves Z at its top, by W^(end - te), comes with a U that is one more or less. Only so much is
+    // allowed: since 2^61 = 1, a wrong bit somewhere above would look like a carry.
+    const auto C = static_cast<std::int64_t>(product.C);
+    const std::int64_t end = product.exp + C;
+    const std::uint64_t modulus = add_mod(pow_word(C), 1), U = shift_words(residue(K, end), -end);
+    const std::uint64_t rest = subtract_mod(subtract_mod(product.total, product.folded), mul_mod(U, modulus));
+    const std::uint64_t kept = add_mod(shift_words(residue(K, te, end), -te), change);
+    const std::uint64_t difference = subtract_mod(product.above, kept), leaving = pow_word(end - te);
+    const bool is_right = (difference == 0 && rest == 0) || (difference == leaving && rest == hash_negate(modulus))
+                          || (difference == hash_negate(leaving) && rest == modulus);
+    if (!is_right) fail();
 }
 
 void StepWatch::check_near_one(const WatchedProduct& product, std::int64_t te, Estimate side) const {
     wtype word = 1;
     BigFloat one(&word, 1);
     one.L = 1;
-    const std::optional<int> carry = check_near(product, te, one);
-    if (carry && *carry != (side == Estimate::under ? -1 : 0)) fail();
+    check_near(product, te, one, side == Estimate::under ? -1 : 0);
 }
 
 std::uint64_t StepWatch::residual(std::uint64_t t, Estimate side, std::int64_t pos) {

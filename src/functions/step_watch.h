@@ -23,7 +23,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 
 namespace zvp {
 
@@ -76,8 +75,8 @@ public:
 
     /// The same product, folded or not, differs from K by less than W^(te - 1): the whole of it is checked by that, and its
     /// magnitude where it isn't seen.
-    /// Returns by how much the product's words from te on differ from K's, -1, 0 or 1, as far as they are seen.
-    std::optional<int> check_near(const WatchedProduct& product, std::int64_t te, const BigFloat& K) const;
+    /// `carry`: by how much its words from te on differ from K's, -1, 0 or 1.
+    void check_near(const WatchedProduct& product, std::int64_t te, const BigFloat& K, int carry) const;
 
     /// The same for K = 1, which the product is just below or just above.
     void check_near_one(const WatchedProduct& product, std::int64_t te, Estimate side) const;

@@ -243,7 +243,9 @@ void DirectConvertB::run(const MultiplyParameters& pars, StatusNode* status, std
 
     const Conversion tree(powers, pars.framework, pars.tables);
     const std::uint32_t tasks = std::min(std::max<std::uint32_t>(pars.tds, 1), table.tasks_top);
+    if (status != nullptr) status->push_cell({'w', "Converting...  "});
     tree.convertP(status, table.shape.levels, tasks, out_end, out_len, input, buffer);
+    if (status != nullptr) status->pop_frame({{}, 1});
 }
 
 } // namespace zvp

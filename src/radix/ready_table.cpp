@@ -70,9 +70,9 @@ void show_size(StatusNode* status, std::uint64_t words) {
     if (status == nullptr) return;
     const DoubleDouble nats = DoubleDouble::from_integer(words) * nats_per_word();
     const auto digits = static_cast<std::uint64_t>((nats * digits_per_nat()).hi);
-    status->push_cell({'Y', format_number(digits, NumberForm::commas)});
+    status->push_cells({{'w', "Squaring...    "}, {'Y', format_number(digits, NumberForm::commas)}});
     status->update();
-    status->pop_frame({{}, 1});
+    status->pop_frame({{}, 2});
 }
 
 } // namespace

@@ -76,7 +76,7 @@ const Real& reference(const Algorithm& algorithm, std::size_t p) {
     return *value;
 }
 
-constexpr double most_error = 64; // units of W^-p: the bounds that the computations state are below
+constexpr double most_error = 40; // units of W^-p: the largest bound that a computation states
 
 void expect_value(const Algorithm& algorithm, std::size_t p, std::uint32_t tds) {
     SCOPED_TRACE(std::string(algorithm.name) + " " + algorithm.label + ", " + std::to_string(p) + " words, "

@@ -110,4 +110,35 @@ TEST(NthRoot, RefusalsHaveTheirTexts) {
     EXPECT_EQ(fails(five.f, 0, 10, 10), plan + "There is no root of degree zero.");
 }
 
+/// A bit of the estimate's storage flips as each step begins: where it still counts, a residual shows it by its text.
+TEST(NthRoot, AWrongEstimateIsFound) {
+    SCOPED_TRACE(seed_trace());
+    std::mt19937_64 random(seed());
+    const std::size_t p = 120;
+    const Number A(random_words(random, p), -60);
+    for (const zvp::wtype n : {3u, 6u, 65'536u, 1'000'003u}) {
+        const Planned planned = root_of(A.f, n, p, 1);
+        std::size_t found = 0, runs = 0;
+        for (const std::size_t bit : {0u, 200u, 700u, 1200u}) {
+            Storage storage(planned);
+            const std::size_t r_words = (p / 2 + 7 + 15) / 16 * 16;
+            FaultNode counted(~std::size_t{0}, [] {});
+            storage.run(planned, products().pars, &counted);
+            for (std::size_t at = 0; at < counted.steps(); ++at) {
+                Storage hit(planned);
+                FaultNode node(at, [&] { hit.words().pointer[r_words + bit / 32] ^= 1u << bit % 32; });
+                const std::string failure = failure_of([&] { hit.run(planned, products().pars, &node); });
+                hit.expect_intact();
+                ++runs;
+                if (failure != "nothing") {
+                    EXPECT_NE(failure.find("Convergence Failure"), std::string::npos) << failure;
+                    ++found;
+                }
+            }
+        }
+        EXPECT_GT(found, 0u) << n << ": none of " << runs;
+        RecordProperty("found_" + std::to_string(n), std::to_string(found) + "/" + std::to_string(runs));
+    }
+}
+
 } // namespace

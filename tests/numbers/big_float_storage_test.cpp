@@ -53,18 +53,6 @@ TEST(BigFloatStorage, JustEnoughPassesAndOneLessIsRefused) {
 }
 
 #ifndef ZORVANE_SANITIZED
-/// Runs the tasks one by one, without a heap of its own.
-class InOrder final : public zvp::ParallelFramework {
-public:
-    void run_in_parallel(zvp::BasicAction& action, std::uint32_t low, std::uint32_t high) override {
-        for (std::uint32_t i = low; i < high; ++i) action.run(i);
-    }
-    void run_in_parallel(zvp::BasicAction& first, zvp::BasicAction& second) override {
-        first.run(0);
-        second.run(0);
-    }
-};
-
 TEST(BigFloatStorage, NoOperationTakesHeapMemory) {
     std::mt19937_64 random(seed());
     Multiplier multiplier(100);

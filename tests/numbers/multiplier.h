@@ -1,5 +1,5 @@
 #pragma once
-// What a product takes besides its operands.
+// What a product takes besides its operands, and a framework without threads.
 
 #include "multiply/contract/multiply_tables.h"
 #include "multiply/tables/algorithm_table.h"
@@ -47,6 +47,18 @@ private:
     std::vector<std::byte> table_memory;
     std::vector<std::byte> scratch;
     std::uint64_t scratch_bytes;
+};
+
+/// Runs the tasks one by one, without a heap of its own.
+class InOrder final : public zvp::ParallelFramework {
+public:
+    void run_in_parallel(zvp::BasicAction& action, std::uint32_t low, std::uint32_t high) override {
+        for (std::uint32_t i = low; i < high; ++i) action.run(i);
+    }
+    void run_in_parallel(zvp::BasicAction& first, zvp::BasicAction& second) override {
+        first.run(0);
+        second.run(0);
+    }
 };
 
 } // namespace test

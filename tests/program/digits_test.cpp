@@ -126,8 +126,7 @@ TEST(Digits, AStageRunsUnwantedOrIsLeftOut) {
         EXPECT_EQ(result.exit_code, 0);
         expect_lines(run, result, c.there, c.not_there);
         expect_lines(run, result,
-                     {"Last Decimal Digits:  Pi\n",
-                      "1857780532 1712268066 1300192787 6611195909 2164201989  : 1,000\n",
+                     {"Last Decimal Digits:  Pi\n", "1857780532 1712268066 1300192787 6611195909 2164201989  : 1,000\n",
                       "Spot Check: Good through 1,000\n"},
                      {});
         const std::filesystem::directory_iterator files(folder.path), end;

@@ -17,8 +17,8 @@ public:
     Sqrt_Newton_BigFloatR(wtype n_, std::size_t precision_words, std::uint32_t tasks);
 
     /// T = sqrt(n), to 6 W^-p of its value at p words of precision. T has result_words, `memory` has
-    /// memory_bytes; the scratch of `pars` isn't used. Throws what InvsqrtWord_BigFloatR::run() throws; the names of
-    /// too small storage are "LinearWordBuffer::cut_from_bottom()" and its own.
+    /// memory_bytes; the scratch of `pars` isn't used. Throws BufferTooSmallException in its own name before
+    /// anything is computed, and what InvsqrtWord_BigFloatR::run() throws.
     void run(const MultiplyParameters& pars, const RunReport& report, BigFloat& T, AlignedBufferC<64> memory) const;
 
     void ensure_tables(MultiplyTables& tables) const { root.ensure_tables(tables); }

@@ -5,7 +5,6 @@
 #include "series/splitting/brent_mcmillan_ab.h"
 #include "series/splitting/common_p2b3.h"
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 

@@ -73,7 +73,7 @@ TEST_F(Damage, TheLowestWordMayBeOffByOne) {
         const std::string fault = run("Writing Decimal Digits", [&](Writing& writing) {
             writing.radix_words()[0] += static_cast<std::uint32_t>(step);
         });
-        if (fault != "nothing") EXPECT_EQ(fault, conversion);
+        EXPECT_TRUE(fault == "nothing" || fault == conversion) << fault;
         passed += fault == "nothing" ? '1' : '0';
     }
     EXPECT_EQ(passed[3], '1');

@@ -123,7 +123,8 @@ TEST(SeriesFinish, ALineLessOfMemoryIsRefused) {
     std::mt19937_64 random(seed());
     for (const std::size_t less : {0, 1}) {
         Storage64 storage(plan, less);
-        Number P(random_words<zvp::wtype>(random, 1'002), -1'002, true, 20), Q(random_words<zvp::wtype>(random, 1'002), -1'002, true, 20);
+        Number P(random_words<zvp::wtype>(random, 1'002), -1'002, true, 20),
+            Q(random_words<zvp::wtype>(random, 1'002), -1'002, true, 20);
         const auto call = [&] {
             plan.run(products.pars, {}, storage.out.f, P.f, Q.f,
                      AlignedBufferC<64>(storage.memory.p, storage.memory.bytes));
