@@ -127,7 +127,8 @@ void Division_BigFloatR::run_large(const MultiplyParameters& pars, StatusNode* s
     Nc.truncate_at(bound, pars);
     const int carry = set_residual(E, q + 3, pars, Nc, R, bound, N.sign);
     watch.check_near(product, bound, N, carry);
-    const std::int64_t low = E.L > 0 ? E.exp : StepWatch::lowest;
+    // Of a difference that vanishes, q + 4 words did.
+    const std::int64_t low = E.L > 0 ? E.exp : std::max(Nc.top(), R.top()) - half - 4;
     const std::uint64_t r = subtract_mod(product.window, watch.residue(R, StepWatch::lowest, low));
     const std::uint64_t e = checked_residual(watch, E, watch.residue(Nc, low), r, bound, N.sign, carry);
 

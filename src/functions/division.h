@@ -29,7 +29,7 @@ public:
     ///
     /// Throws InvalidParametersException if pars.tds isn't the plan's, BufferTooSmallException, LimitExceededException
     /// if pars.tables weren't built for the products (ensure_tables()), ArithmeticException if D is zero, and
-    /// AlgorithmFailedException where the reciprocal or the quotient's first half was found wrong.
+    /// AlgorithmFailedException where the reciprocal, the quotient's first half, a product or a sum was found wrong.
     void run(const MultiplyParameters& pars, StatusNode* status, BigFloat& T, const BigFloat& N, const BigFloat& D,
              LinearWordBuffer buffer) const;
 

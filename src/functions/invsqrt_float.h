@@ -60,7 +60,7 @@ public:
     ///   BufferTooSmallException     T, the buffer ("LinearWordBuffer::cut_from_bottom()") or pars.M is too small
     ///   LimitExceededException      pars.tables weren't built for the products (ensure_tables())
     ///   ArithmeticException         A is negative or zero ("InvsqrtFloat_BigFloatR_E::run()")
-    ///   AlgorithmFailedException    in the middle: an estimate was wrong. T is undefined then
+    ///   AlgorithmFailedException    in the middle: an estimate, a product or a sum was wrong. T is undefined then
     void run(const MultiplyParameters& pars, StatusNode* status, BigFloat& T, const BigFloat& A, std::size_t p,
              LinearWordBuffer buffer) const;
 

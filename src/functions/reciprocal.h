@@ -8,8 +8,8 @@
 //
 // with a transform for p + 8 words, less than the product has: the known words above 2-q wrap around onto those below
 // the window. The forward form of F serves again for F d, so that a step costs five transforms of p + 8 words.
-// Each step proves from the residual that its estimate was right (residual.h). What the last step itself does wrong,
-// nobody sees but whoever uses the result.
+// Each step proves from the residual that its estimate was right (residual.h); what the last and all long steps do
+// themselves is watched by residues modulo 2^61 - 1 (step_watch.h).
 //
 // Error, with u the weight of T[0] and A's words below its top p+2 counted as lost: |1/A - T| < 3.1 u for p >= 10. T is
 // too large, in units,
@@ -69,7 +69,7 @@ public:
     ///   BufferTooSmallException     T, the buffer ("LinearWordBuffer::cut_from_bottom()") or pars.M is too small
     ///   LimitExceededException      pars.tables weren't built for the products (ensure_tables())
     ///   ArithmeticException         A is zero ("Reciprocal_BigFloatR_E::run()")
-    ///   AlgorithmFailedException    in the middle: an estimate was wrong. T is undefined then
+    ///   AlgorithmFailedException    in the middle: an estimate, a product or a sum was wrong. T is undefined then
     void run(const MultiplyParameters& pars, StatusNode* status, BigFloat& T, const BigFloat& A, std::size_t p,
              LinearWordBuffer buffer) const;
 

@@ -2,29 +2,10 @@
 
 #include "app/console/number_forms.h"
 #include "app/failure/exceptions.h"
-#include "digits/hash/word_hash.h"
 
-#include <cstring>
+#include <string>
 
 namespace zvp {
-
-namespace {
-
-/// Sees any one word change, as the hash does, and takes a third of its time where a number is short.
-std::uint64_t sum_words(const wtype* words, std::size_t n) {
-    constexpr std::size_t step = sizeof(std::uint64_t) / sizeof(wtype);
-    std::uint64_t sum = 0;
-    std::size_t i = 0;
-    for (; i + step <= n; i += step) {
-        std::uint64_t limb;
-        std::memcpy(&limb, words + i, sizeof limb);
-        sum += limb;
-    }
-    for (; i < n; ++i) sum += words[i];
-    return sum;
-}
-
-} // namespace
 
 Estimate ResidualCheck::take_whole(BigFloat& T, const ParallelContext& ctx) const {
     const wtype top = T.get_word(0);
@@ -60,15 +41,6 @@ void ResidualCheck::check_bound(const char* side, const BigFloat& T) const {
 
 void ResidualCheck::fail(wtype top) const {
     throw AlgorithmFailedException(function, "Convergence Failure:\n    top = " + format_number(top));
-}
-
-void KeptNumber::check(const char* function) const {
-    if (hash_now() != hash) throw AlgorithmFailedException(function, "Number Hash Mismatch");
-}
-
-std::uint64_t KeptNumber::hash_now() const {
-    if (number.L >= min_parallel_hash_words) return hash_words_parallel(0, number.T, number.L, ctx.framework, ctx.tds);
-    return sum_words(number.T, number.L);
 }
 
 bool correct(BigFloat& T, Estimate side, std::size_t p, const ParallelContext& ctx, const BigFloat& F,

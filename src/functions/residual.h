@@ -9,7 +9,8 @@
 //
 // Where the words above W^(2-q) wrap around, the word at position 1-q stands for them: an estimate off by D makes the
 // product off by A D, whose words are as good as random. What gets by has one chance in 2^31, unless A is long and its
-// words are nearly all zeros: a few faults in a thousand then make an A D that is zero there.
+// words are nearly all zeros, or the estimate is off by a power of two alone. The last step therefore looks at the whole
+// product, by residues (step_watch.h).
 
 #include "numbers/big_float.h"
 
@@ -43,24 +44,6 @@ private:
     Estimate take(BigFloat& T, Estimate side, const ParallelContext& ctx) const;
     void check_bound(const char* side, const BigFloat& T) const;
     [[noreturn, gnu::cold]] void fail(wtype top) const;
-};
-
-/// Watches a number that a step uses more than once, by its hash. A changed residual would else get by: of d' = d + 2^k
-/// the step makes F + F d + 2^k F, and with A F next to 1 the next product is off by a single bit, which lies above the
-/// words that the next step looks at.
-class KeptNumber {
-public:
-    KeptNumber(const BigFloat& number_, const ParallelContext& ctx_) : number(number_), ctx(ctx_), hash(hash_now()) {}
-
-    /// Throws AlgorithmFailedException in the name of `function` if the words have changed.
-    void check(const char* function) const;
-
-private:
-    std::uint64_t hash_now() const;
-
-    const BigFloat number; // the words as they lay
-    const ParallelContext ctx;
-    const std::uint64_t hash;
 };
 
 /// T = F + R or F - R at precision p, by the side; then a unit of the lowest word more, if the number is longer than

@@ -103,7 +103,8 @@ WatchedProduct StepWatch::product(const BigFloat& T, const WatchedFactor& a, con
 void StepWatch::check_near(const WatchedProduct& product, std::int64_t te, const BigFloat& K, int carry) const {
     if (!on) return;
     const std::int64_t top = product.exp + static_cast<std::int64_t>(product.length);
-    if (top < K.top() - 1 || top > K.top() + 1) fail();
+    // The product is at least W^(top - 2), and next to K, which may be on the other side of a power of W.
+    if (top < K.top() - 1 || top > K.top() + 2) fail();
     if (product.C == 0) return;
     const std::uint64_t change = carry < 0 ? hash_negate(1) : static_cast<std::uint64_t>(carry);
     if (product.length <= product.C) {

@@ -48,7 +48,7 @@ struct WatchedProduct {
 /// the name of `function`.
 class StepWatch {
 public:
-    /// Lower levels of fewer words than this aren't watched: the next one finds what they did wrong.
+    /// Lower levels of fewer words than this aren't watched: the last one finds what they did wrong.
     static constexpr std::size_t least_words = 1000;
 
     StepWatch(const char* function_, const TransformHelper& helper_, bool on_);
