@@ -1,5 +1,5 @@
 // Long products by the hybrid transform beside GMP's in one run, on one and two threads; then how the time
-// grows with the length. Minima of several rounds, by the clock.
+// grows with the length. Medians of several rounds, by the clock.
 
 #include "multiply/algorithms/hnt_algorithm.h"
 #include "multiply/contract/multiply_tables.h"
@@ -43,14 +43,16 @@ private:
 };
 
 template <class Call>
-double least(int rounds, Call&& call) {
-    double seconds = 1e9;
-    for (int i = 0; i < rounds; ++i) {
-        const auto began = platform::performance_counter();
-        call();
-        seconds = std::min(seconds, 1e-9 * static_cast<double>(platform::performance_counter() - began));
-    }
-    return seconds;
+double seconds_of(Call&& call) {
+    const auto began = platform::performance_counter();
+    call();
+    return 1e-9 * static_cast<double>(platform::performance_counter() - began);
+}
+
+double median(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
 }
 
 using Limbs = std::vector<mp_limb_t>;
@@ -69,14 +71,13 @@ public:
         tables.place(table_memory->get());
     }
 
-    /// Seconds of a product of so many limbs in all.
-    double product(Limbs& C, const Limbs& A, const Limbs& B, std::uint32_t tds, int rounds) {
-        const std::uint64_t bytes = algorithm.total(A.size() + B.size(), tds);
-        const Block M(bytes);
-        const MultiplyParameters pars{{tds, pool.get()}, nullptr, &tables, M.get(), bytes};
-        return least(rounds, [&] {
-            algorithm.mul(pars, C.data(), 0, A.size() + B.size(), A.data(), A.size(), B.data(), B.size());
-        });
+    std::uint64_t bytes(std::size_t limbs, std::uint32_t tds) const { return algorithm.total(limbs, tds); }
+
+    /// Seconds of one product, with M as its memory.
+    double product(const Block& M, Limbs& C, const Limbs& A, const Limbs& B, std::uint32_t tds) {
+        const MultiplyParameters pars{{tds, pool.get()}, nullptr, &tables, M.get(), bytes(A.size() + B.size(), tds)};
+        return seconds_of(
+            [&] { algorithm.mul(pars, C.data(), 0, A.size() + B.size(), A.data(), A.size(), B.data(), B.size()); });
     }
 
 private:
@@ -86,34 +87,48 @@ private:
     std::unique_ptr<Block> table_memory;
 };
 
+/// In each round GMP, one thread and two, one after the other: the ratios are those of neighbours in time.
 void compare_with_gmp(Bench& bench, unsigned most) {
-    std::printf("product   GMP s    1 thread s  times   2 threads s  times   scaling\n");
+    std::printf("medians   GMP s    1 thread s  times   2 threads s  times   scaling\n");
     std::mt19937_64 random(1);
     for (unsigned log_bits = 24; log_bits <= most; log_bits += 2) {
         const std::size_t limbs = std::size_t{1} << (log_bits - 7);
         const Limbs A = random_limbs(random, limbs), B = random_limbs(random, limbs);
         Limbs C(2 * limbs), D(2 * limbs);
-        const int rounds = log_bits < 26 ? 9 : log_bits < 29 ? 5 : 3;
-        const double one = bench.product(D, A, B, 1, rounds), two = bench.product(D, A, B, 2, rounds);
-        const double gmp = least(log_bits < 27 ? 3 : 1,
-                                 [&] { mpn_mul_n(C.data(), A.data(), B.data(), static_cast<mp_size_t>(limbs)); });
-        std::printf("2^%u  %8.4f  %8.4f  %6.2f   %8.4f  %6.2f   %6.2f%s\n", log_bits, gmp, one, gmp / one, two,
-                    gmp / two, one / two, C == D ? "" : "  WRONG");
+        const Block M(std::max(bench.bytes(2 * limbs, 1), bench.bytes(2 * limbs, 2)));
+        const int rounds = log_bits < 26 ? 41 : log_bits < 28 ? 15 : 5;
+        std::vector<double> gmp, one, two, times_one, times_two, scaling;
+        for (int i = 0; i < rounds; ++i) {
+            one.push_back(bench.product(M, D, A, B, 1));
+            two.push_back(bench.product(M, D, A, B, 2));
+            gmp.push_back(seconds_of([&] { mpn_mul_n(C.data(), A.data(), B.data(), static_cast<mp_size_t>(limbs)); }));
+            times_one.push_back(gmp.back() / one.back());
+            times_two.push_back(gmp.back() / two.back());
+            scaling.push_back(one.back() / two.back());
+        }
+        std::printf("2^%u  %8.4f  %8.4f  %6.2f   %8.4f  %6.2f   %6.2f%s\n", log_bits, median(gmp), median(one),
+                    median(times_one), median(two), median(times_two), median(scaling), C == D ? "" : "  WRONG");
         std::fflush(stdout);
     }
 }
 
-/// Time of products of rising length: the most by which one exceeds a longer one.
+/// Time of products of rising length: the most by which one exceeds a longer one. All lengths are gone through again
+/// and again and the least is kept, so that a slow moment doesn't fall on all of one length's products.
 void check_smoothness(Bench& bench) {
     std::mt19937_64 random(1);
-    std::vector<double> seconds;
     std::vector<std::size_t> lengths;
     for (double limbs = 1 << 17; limbs < (1 << 20); limbs *= 1.02) lengths.push_back(static_cast<std::size_t>(limbs));
+    const Limbs A = random_limbs(random, lengths.back() / 2);
     Limbs C(lengths.back() + 1);
-    for (const std::size_t length : lengths) {
-        const Limbs A = random_limbs(random, length / 2), B = random_limbs(random, length / 2);
-        seconds.push_back(bench.product(C, A, B, 1, 5));
-    }
+    std::uint64_t bytes = 0;
+    for (const std::size_t length : lengths) bytes = std::max(bytes, bench.bytes(length, 1));
+    const Block M(bytes);
+    std::vector<double> seconds(lengths.size(), 1e9);
+    for (int round = 0; round < 9; ++round)
+        for (std::size_t i = 0; i < lengths.size(); ++i) {
+            const Limbs B(A.begin(), A.begin() + static_cast<std::ptrdiff_t>(lengths[i] / 2));
+            seconds[i] = std::min(seconds[i], bench.product(M, C, B, Limbs(B.rbegin(), B.rend()), 1));
+        }
     double worst = 0;
     std::size_t at = 0;
     for (std::size_t i = 0; i + 1 < seconds.size(); ++i) {
