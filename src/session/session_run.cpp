@@ -113,10 +113,13 @@ void SessionRun::tell_allocation_errors() {
     std::vector<std::string> errors = memory->warnings();
     if (table_memory->record)
         errors.insert(errors.end(), table_memory->record->warnings.begin(), table_memory->record->warnings.end());
-    for (const std::string& error : errors) log.log("Allocation Error: " + error);
-    if (!errors.empty())
-        sink.warning("Memory allocation errors detected. Possible performance degradation.\n"
-                     "Please see event log for details.");
+    if (errors.empty()) return;
+    sink.warning("Memory allocation errors detected. Possible performance degradation.\n"
+                 "Please see event log for details.");
+    for (const std::string& error : errors) {
+        log.log("Allocation Error: " + error);
+        sink.print_line("Allocation Error: " + error, 'R'); // no file shows the event log yet
+    }
 }
 
 void SessionRun::compute() {

@@ -4,6 +4,8 @@
 #include "radix/radix_support.h"
 #include "support/seed.h"
 
+#include <functional>
+
 namespace {
 
 using namespace test;
@@ -34,6 +36,62 @@ TEST(VerifyConversion, HashIsThatOfTheScaledFraction) {
                         << n << " words of digits, " << words << " words at " << exp;
                     EXPECT_TRUE(run.memory.guards_are_intact());
                 }
+}
+
+/// Runs tasks one after the other; `fault` comes before those of each call.
+class FaultyFramework final : public zvp::ParallelFramework {
+public:
+    explicit FaultyFramework(std::function<void(std::size_t)> fault_) : fault(std::move(fault_)) {}
+    void run_in_parallel(zvp::BasicAction& action, std::uint32_t low, std::uint32_t high) override {
+        fault(calls++);
+        for (std::uint32_t i = low; i < high; ++i) action.run(i);
+    }
+    void run_in_parallel(zvp::BasicAction& first, zvp::BasicAction& second) override {
+        fault(calls++);
+        first.run(0);
+        second.run(0);
+    }
+    std::size_t calls = 0;
+
+private:
+    const std::function<void(std::size_t)> fault;
+};
+
+TEST(VerifyConversion, AFlippedBitOfThePowerIsTold) {
+    SCOPED_TRACE(seed_trace());
+    std::mt19937_64 random(seed());
+    constexpr std::size_t n = 16'000; // the power is hashed by tasks
+    const Number x(random_words(random, 15'000), -15'000);
+    const zvp::VerifyB plan(billion, n, 2, true);
+    PlanRun<zvp::VerifyB> run(plan);
+    run.pars.tds = 2;
+    const auto hash_with = [&](const std::function<void(std::size_t)>& fault, std::size_t& calls) {
+        FaultyFramework framework(fault);
+        run.pars.framework = &framework;
+        const auto call = [&] { plan.hash_binary(run.pars, nullptr, x.f, n, run.buffer()); };
+        const std::string told = failure_of(call);
+        calls = framework.calls;
+        return told;
+    };
+    std::size_t calls = 0, told = 0;
+    EXPECT_EQ(hash_with([](std::size_t) {}, calls), "nothing");
+    const std::string mismatch = "AlgorithmFailedException: VerifyB::hash_binary() Power Hash Mismatch";
+    const std::size_t power_bytes = (zvp::radix_words(billion >> 9, n) - 1) * sizeof(zvp::wtype);
+    const std::size_t all = calls;
+    for (std::size_t at = 0; at < all; ++at) {
+        testing::internal::CaptureStdout();
+        const std::string fault = hash_with(
+            [&](std::size_t call) {
+                if (call == at) run.memory.p[random() % power_bytes] ^= std::byte{1} << random() % 8;
+            },
+            calls);
+        const std::string printed = testing::internal::GetCapturedStdout();
+        if (fault != mismatch) continue;
+        ++told;
+        for (const char* line : {"Radix Conversion: Power Hash Mismatch", "Expected", "Actual  "})
+            EXPECT_NE(printed.find(line), std::string::npos) << line;
+    }
+    EXPECT_GT(told, 0u) << all;
 }
 
 TEST(VerifyConversion, PlansAreExact) {

@@ -62,10 +62,11 @@ std::string LastDigits::file_text() const {
 }
 
 void LastDigits::print() const {
-    for_each_line(*this, [](const std::string& line, std::uint64_t position) {
+    for_each_line(*this, [](std::string line, std::uint64_t position) {
+        if (position != 0) line.pop_back(); // the blank belongs to what follows
         zvp::print(line, 'Y');
         if (position != 0) {
-            zvp::print(" : ", 'w');
+            zvp::print("  : ", 'w');
             zvp::print(format_number(position, NumberForm::commas), 'G');
         }
         print_line();

@@ -62,21 +62,23 @@ constexpr const char* range_text = "zorvane's radix conversion and digit output 
                                    "    32-bit binaries: 2^-32 < x < 2^32\n"
                                    "    64-bit binaries: 2^-64 < x < 2^64";
 
-void check_range(const BigFloat& x) {
+void warn_of_sign(const RunReport& report) {
+    constexpr const char* text = "Warning: zorvane's digit output cannot handle negative numbers.\n"
+                                 "Output will be flipped positive...\n";
+    report.sink ? report.sink->warning(text) : print_warning(text);
+}
+
+/// Throws for a number that has no digits here; with a report, warns of a negative one.
+void check_range(const BigFloat& x, const RunReport* report) {
     constexpr const char* function = "words_to_dec()";
     if (x.L == 0)
         throw InvalidParametersException(function, std::string("Number is zero and out of range.\n\n") + range_text);
+    if (!x.sign && report) warn_of_sign(*report);
     const std::int64_t t = x.top();
     if (t == 0 || t == 1) return;
     print_labelc("t", format_signed(t));
     print_line();
     throw InvalidParametersException(function, std::string("Number is out of range.\n\n") + range_text);
-}
-
-void warn_of_sign(const RunReport& report) {
-    constexpr const char* text = "Warning: zorvane's digit output cannot handle negative numbers.\n"
-                                 "Output will be flipped positive...\n";
-    report.sink ? report.sink->warning(text) : print_warning(text);
 }
 
 void print_hashes(const char* first_label, std::uint64_t first, const char* second_label, std::uint64_t second) {
@@ -118,7 +120,7 @@ void FloatWriterB::write(const MultiplyParameters& pars, const RunReport& report
     if (rest.bytes < total_bytes) throw BufferTooSmallException("FloatWriterB::convert()", rest.bytes, total_bytes);
     const std::uint32_t integer = x.get_word(0);
     if (hex_digits != 0) { // in all of the buffer: there are no radix words yet
-        check_range(x);
+        check_range(x, nullptr);
         FloatReaderB stream(x, round_up(hex_digits, hexadecimal_word_digits) / hexadecimal_word_digits);
         results.hexadecimal = put_out(pars, report, stream, integer, hex_digits, buffer);
     }
@@ -142,8 +144,7 @@ void FloatWriterB::verify_all(const MultiplyParameters& pars, const RunReport& r
 
 void FloatWriterB::convert(const MultiplyParameters& pars, const RunReport& report, std::uint32_t* out,
                            const BigFloat& x, const AlignedBufferC<64>& buffer) const {
-    check_range(x);
-    if (!x.sign) warn_of_sign(report);
+    check_range(x, &report);
     if (buffer.bytes < convert_bytes)
         throw BufferTooSmallException("FloatWriterB::convert()", buffer.bytes, convert_bytes);
     const OutputSection section(report, "Base Converting");

@@ -68,8 +68,9 @@ void read_check(const ParallelContext& context, const RunReport& report, DigitVi
     if (radix != 10 && radix != 16) throw InvalidParametersException(label, "Invalid radix.");
     const OutputSection section(report, radix == 10 ? "Verifying Decimal Output" : "Verifying Hexadecimal Output");
     DigitCounts read(radix, hash_of_front(front, radix));
-    const std::uint64_t step = std::max<std::uint64_t>(work.bytes, min_step);
     for (std::uint64_t done = 0; done < digits;) {
+        const std::uint64_t step =
+            std::max<std::uint64_t>(reader.recommend_buffer_size(digits - done, work.bytes), min_step);
         const std::uint64_t count = std::min(step, digits - done);
         reader.load_stats(read, done, count, work, context);
         show_progress(section.node(), done += count);

@@ -2,6 +2,9 @@
 
 #include "digits/writer/read_check.h"
 #include "digits/writer/writer_support.h"
+#include "radix/direct_convert.h"
+
+#include <map>
 
 namespace {
 
@@ -78,6 +81,40 @@ TEST_F(Damage, TheLowestWordMayBeOffByOne) {
     }
     EXPECT_EQ(passed[3], '1');
     EXPECT_TRUE(passed == "0111000" || passed == "0011100" || passed == "0001110") << passed;
+}
+
+/// A bit of the powers, their forms, or the fractions between two steps of the conversion: what isn't told does no harm.
+TEST_F(Damage, Conversion) {
+    SCOPED_TRACE(seed_trace());
+    std::mt19937_64 random(seed());
+    const std::string right = exact_digits(x->f, 10, digits);
+    std::size_t steps = 0;
+    const auto flipped = [&](std::size_t step, bool near) { // near: behind the forms, where the powers are squared
+        Writing writing(output, true, true, digits + 100, digits, 0, 2);
+        writing.sink.stepped = "Base Converting";
+        writing.sink.step = step;
+        writing.sink.on_step = [&] {
+            const std::size_t forms = writing.writer.convert_plan->table.forms_bytes;
+            const std::size_t at = near ? forms + random() % 4'096 : random() % writing.writer.convert_bytes;
+            writing.buffer.p[4 * writing.writer.aligned_words + at] ^= std::byte{1} << random() % 8;
+        };
+        testing::internal::CaptureStdout();
+        const std::string fault = writing.fault(x->f);
+        testing::internal::GetCapturedStdout();
+        if (steps == 0) steps = writing.sink.steps;
+        EXPECT_TRUE(fault != "nothing" || read_file(file("Dec")) == right) << "step " << step;
+        return fault;
+    };
+    EXPECT_EQ(flipped(~std::size_t{0}, false), "nothing");
+    ASSERT_GT(steps, 7u);
+    std::map<std::string, int> faults;
+    for (int i = 0; i < 300; ++i) {
+        const std::string fault = flipped(random() % steps, i % 2 == 0);
+        ++faults[fault.substr(0, fault.find(":\n"))];
+    }
+    for (const char* fault : {"nothing", "ReadyTableB::make_tables()|Checksum Mismatch", conversion})
+        EXPECT_GT(faults[fault], 0) << fault;
+    for (const auto& [fault, count] : faults) RecordProperty(fault, count);
 }
 
 /// A word of 10^9 or more has no digits, which the file tells before any proof.

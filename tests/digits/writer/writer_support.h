@@ -45,7 +45,7 @@ inline std::size_t words_for(std::uint64_t digits) {
     return static_cast<std::size_t>(std::ceil(static_cast<double>(digits) * std::log2(10.0) / 32)) + 3;
 }
 
-/// Keeps the lines of tasks; on_task(line) runs before a task begins.
+/// Keeps the lines of tasks; on_task(line) runs before a task begins, on_step() as the task `stepped` shows its `step`.
 class HookSink final : public zvp::StatusSink {
 public:
     void print_cells(const std::vector<zvp::StatusCell>&) override {}
@@ -66,17 +66,24 @@ public:
     zvp::StatusNode& begin_task(std::string_view line) override {
         lines.emplace_back(line);
         if (on_task) on_task(lines.back());
-        node = std::make_unique<FaultNode>(~std::size_t{0}, [] {});
+        node = std::make_unique<FaultNode>(lines.back() == stepped ? step : ~std::size_t{0}, [this] { on_step(); });
         return *node;
     }
-    void end_task(double) override { node.reset(); }
+    void end_task(double) override {
+        if (lines.back() == stepped) steps = node->steps();
+        node.reset();
+    }
 
     std::function<void(const std::string&)> on_task;
+    std::function<void()> on_step = [] {};
+    std::string stepped;
+    std::size_t step = ~std::size_t{0};
+    std::size_t steps = 0; // that it showed
     std::vector<std::string> lines;
     std::vector<std::string> warnings;
 
 private:
-    std::unique_ptr<zvp::StatusNode> node;
+    std::unique_ptr<FaultNode> node;
 };
 
 /// A writer with its tables and its buffer of exactly the planned size, less `less_lines` of 64 bytes.
