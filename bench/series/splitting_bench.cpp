@@ -1,14 +1,13 @@
-// A Chudnovsky-like series (R = (2k-1)(6k-5)(6k-1), P = R (545140134 k + 13591409), Q = k^3 640320^3/24, alternating) in
-// one truncated block of the precision, as the first and last block of a constant would be, and exactly: the time of the
-// whole, and the shares of the leaves alone and of the residue check. Times are the least of several runs by the wall
-// clock; leaves and check are timed on one thread. Arguments: the decimal digits of each row.
+// Chudnovsky's series, as Pi takes it, in one truncated block of the precision, as the first and last block of a constant
+// would be, and exactly: the time of the whole, and the shares of the leaves alone and of the residue check. Times are the
+// least of several runs by the wall clock; leaves and check are timed on one thread. Arguments: the decimal digits of each
+// row.
 
-#include "digits/hash/hash_field.h"
+#include "constants/pi/pi_series.h"
 #include "multiply/contract/multiply_tables.h"
 #include "parallel/tasks/framework_config.h"
 #include "platform/clock.h"
 #include "series/double_double/size_units.h"
-#include "series/double_double/stirling.h"
 #include "series/splitting/block.h"
 #include "series/splitting/verify.h"
 
@@ -25,59 +24,6 @@ namespace {
 using namespace zvp;
 namespace bs = zvp::BinarySplitting;
 using bs::CommonP2B3::Family;
-
-__extension__ using Wide = unsigned __int128;
-
-/// Stores limbs, of which the top one may be zero.
-template <std::size_t n>
-void set(bs::LeafInt& target, const std::uint64_t (&limbs)[n]) {
-    std::memcpy(target.T, limbs, sizeof limbs);
-    const std::size_t used = n - (limbs[n - 1] == 0);
-    target.L = 2 * used - (limbs[used - 1] >> 32 == 0);
-    target.hash = 0;
-    for (std::size_t i = n; i-- > 0;) target.hash = append_limb(target.hash, limbs[i]);
-}
-
-class Chudnovsky final : public bs::CommonP2B3::BasicIntSeries {
-public:
-    explicit Chudnovsky(std::uint64_t terms) {
-        N = terms;
-        leaf_terms = 41;
-        split_slack = 8;
-        alternating = true;
-    }
-
-    static constexpr double c = 32.65445004176852, q = 36.93111616078458;
-
-    double size_at_double(std::uint64_t x) const override {
-        const auto t = static_cast<double>(x);
-        return 3.0 * stirling(t) + q * t;
-    }
-    DoubleDouble size_at(std::uint64_t x) const override {
-        const DoubleDouble t = DoubleDouble::from_integer(x);
-        return DoubleDouble(3.0) * stirling(t) + DoubleDouble(q) * t;
-    }
-    DoubleDouble log_remaining(std::uint64_t x) const override { return DoubleDouble(static_cast<double>(N - x) * c); }
-    std::size_t precision_words(std::uint64_t x) const override {
-        return static_cast<std::size_t>(static_cast<double>(N - x) * (c * words_per_nat().hi)) + 1;
-    }
-
-    /// For k < 2^24: Q fits two limbs.
-    void leaf(bs::LeafInt& P, bs::LeafInt& Q, bs::LeafInt& R, std::uint64_t k) const override {
-        const Wide r = static_cast<Wide>((2 * k - 1) * (6 * k - 5)) * (6 * k - 1);
-        const auto r0 = static_cast<std::uint64_t>(r), r1 = static_cast<std::uint64_t>(r >> 64);
-        set(R, {r0, r1});
-        const std::uint64_t f = 545140134 * k + 13591409;
-        const Wide p0 = static_cast<Wide>(r0) * f;
-        const Wide p1 = static_cast<Wide>(r1) * f + static_cast<std::uint64_t>(p0 >> 64);
-        set(P, {static_cast<std::uint64_t>(p0), static_cast<std::uint64_t>(p1), static_cast<std::uint64_t>(p1 >> 64)});
-        const std::uint64_t constant = 10939058860032000;
-        const Wide q0 = static_cast<Wide>(k * k) * k;
-        const Wide low = static_cast<Wide>(static_cast<std::uint64_t>(q0)) * constant;
-        const Wide high = (q0 >> 64) * constant + static_cast<std::uint64_t>(low >> 64);
-        set(Q, {static_cast<std::uint64_t>(low), static_cast<std::uint64_t>(high)});
-    }
-};
 
 struct Free {
     void operator()(void* p) const { std::free(p); }
@@ -106,7 +52,7 @@ double least_seconds(int rounds, const std::function<void()>& call) {
 /// A block with its memory.
 class Run {
 public:
-    Run(const Chudnovsky& series, std::size_t words, std::uint32_t tds)
+    Run(const PiChudnovskySeries& series, std::size_t words, std::uint32_t tds)
         : block(series, 0, series.N, words, tds, 1, 0, true), scratch(block.plan.scratch_bytes) {
         for (std::size_t i = 0; i < Family::numbers; ++i) numbers.emplace_back(capacity(i) * sizeof(wtype));
         block.ensure_tables(tables);
@@ -158,7 +104,7 @@ private:
 void bench(std::uint64_t digits) {
     const double nats = static_cast<double>(digits) / digits_per_nat().hi;
     const auto words = static_cast<std::size_t>(nats * words_per_nat().hi) + 3;
-    const Chudnovsky series(static_cast<std::uint64_t>(nats / Chudnovsky::c + 1.5));
+    const PiChudnovskySeries series(words);
     const int rounds = digits <= 200'000 ? 15 : digits <= 2'000'000 ? 5 : 2;
     std::printf("%llu digits, %llu terms\n", static_cast<unsigned long long>(digits),
                 static_cast<unsigned long long>(series.N));
