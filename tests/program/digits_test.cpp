@@ -52,38 +52,61 @@ private:
     mpfr_t value;
 };
 
-TEST(Digits, AFileHoldsAWrongOne) {
-    const struct {
-        const char *line, *name, *algorithm;
-    } cases[] = {
-        {"pi", "Pi", "Chudnovsky"},
-        {"pi -algorithm:chudnovsky-reduced", "Pi", "Chudnovsky (reduced)"},
-        {"pi -algorithm:ramanujan -PF:none -TD:1", "Pi", "Ramanujan"},
-        {"pi -algorithm:ramanujan-reduced -PF:taskqueue -TD:7", "Pi", "Ramanujan (reduced)"},
-        {"e -MA:malloc", "e", "exp(1)"},
-        {"e -algorithm:exp(-1) -MA:interleave", "e", "exp(-1)"},
-        {"sqrt:2", "Sqrt(2)", "Newton"},
-        {"goldenratio -PF:spawn", "Golden Ratio", "Newton"},
+struct Computation {
+    const char *line, *name, *algorithm;
+};
+
+constexpr Computation computations[] = {
+    {"pi", "Pi", "Chudnovsky"},
+    {"pi -algorithm:chudnovsky-reduced", "Pi", "Chudnovsky (reduced)"},
+    {"pi -algorithm:ramanujan -PF:none -TD:1", "Pi", "Ramanujan"},
+    {"pi -algorithm:ramanujan-reduced -PF:taskqueue -TD:7", "Pi", "Ramanujan (reduced)"},
+    {"e -MA:malloc", "e", "exp(1)"},
+    {"e -algorithm:exp(-1) -MA:interleave", "e", "exp(-1)"},
+    {"sqrt:2", "Sqrt(2)", "Newton"},
+    {"goldenratio -PF:spawn", "Golden Ratio", "Newton"},
+};
+
+/// Runs the program and compares its files; the texts may be longer than asked for. 0 hexadecimal digits are no file.
+void expect_files(const Computation& c, std::size_t decimal, std::size_t hexadecimal, const std::string& decimal_text,
+                  const std::string& hexadecimal_text) {
+    const TemporaryFolder folder;
+    const ProgramRun run = zorvane("custom " + std::string(c.line) + " -dec:" + std::to_string(decimal)
+                                   + " -hex:" + std::to_string(hexadecimal));
+    const ProgramResult result = run_in(folder, run);
+    EXPECT_EQ(result.exit_code, 0) << describe(run, result);
+    const auto expect_file = [&](const char* radix, std::size_t digits, const std::string& text) {
+        const std::filesystem::path path =
+            folder.path / (std::string(c.name) + " - " + radix + " - " + c.algorithm + ".txt");
+        EXPECT_EQ(std::filesystem::exists(path), digits != 0);
+        const bool same = digits == 0 || read_file(path) == text.substr(0, 2 + digits);
+        EXPECT_TRUE(same) << path << "\n" << describe(run, result);
     };
-    const std::pair<unsigned, unsigned> sizes[] = {{100, 83}, {101, 0}, {997, 2000}, {12'345, 10'251}, {65'537, 100}};
-    for (const auto& c : cases) {
+    expect_file("Dec", decimal, decimal_text);
+    expect_file("Hex", hexadecimal, hexadecimal_text);
+}
+
+TEST(Digits, AFileHoldsAWrongOne) {
+    const std::pair<unsigned, unsigned> sizes[] = {{100, 83},      {101, 0},         {997, 2000},
+                                                   {4'096, 4'096}, {12'345, 10'251}, {65'537, 100}};
+    for (const Computation& c : computations) {
         const Number number(c.name, 300'000);
-        for (const auto& [decimal, hexadecimal] : sizes) {
-            const TemporaryFolder folder;
-            const ProgramRun run = zorvane("custom " + std::string(c.line) + " -dec:" + std::to_string(decimal)
-                                           + " -hex:" + std::to_string(hexadecimal));
-            const ProgramResult result = run_in(folder, run);
-            EXPECT_EQ(result.exit_code, 0) << describe(run, result);
-            const std::string name = std::string(c.name) + " - ", algorithm = std::string(" - ") + c.algorithm + ".txt";
-            EXPECT_EQ(read_file(folder.path / (name + "Dec" + algorithm)), number.text(10, decimal))
-                << describe(run, result);
-            if (hexadecimal == 0) {
-                EXPECT_FALSE(std::filesystem::exists(folder.path / (name + "Hex" + algorithm)));
-            } else {
-                EXPECT_EQ(read_file(folder.path / (name + "Hex" + algorithm)), number.text(16, hexadecimal))
-                    << describe(run, result);
-            }
+        for (const auto& [decimal, hexadecimal] : sizes)
+            expect_files(c, decimal, hexadecimal, number.text(10, decimal), number.text(16, hexadecimal));
+    }
+}
+
+TEST(Digits, OneOfAMillionIsWrong) {
+    constexpr std::size_t digits = 1'000'000, hexadecimal = 830'482;
+    std::string name, decimal_text, hexadecimal_text;
+    for (const Computation& c : computations) {
+        if (c.name != name) {
+            const Number number(c.name, 3'322'100);
+            name = c.name;
+            decimal_text = number.text(10, digits);
+            hexadecimal_text = number.text(16, hexadecimal);
         }
+        expect_files(c, digits, hexadecimal, decimal_text, hexadecimal_text);
     }
 }
 
