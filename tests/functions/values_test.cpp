@@ -184,4 +184,37 @@ TEST_F(Values, WhatIsExactComesOutExact) {
     }
 }
 
+/// Far up and far down the words are the same, and the exponents follow.
+TEST_F(Values, DependOnWordsAndNotOnExponents) {
+    constexpr std::int64_t far = std::int64_t{1} << 60;
+    std::mt19937_64 words(seed());
+    products.pars.tds = 1;
+    const auto result_of = [&](const Planned& planned) {
+        auto storage = std::make_unique<Storage>(planned);
+        storage->run(planned, products.pars);
+        storage->expect_intact();
+        return storage;
+    };
+    for (const std::size_t p : {0u, 5u, 9u, 10u, 40u, 300u}) {
+        SCOPED_TRACE(p);
+        const Number A(random_words(words, p + 1), -3), N(random_words(words, p + 4), 7);
+        for (const std::int64_t k : {far, -far, far - 2}) {
+            SCOPED_TRACE(k);
+            const Number A_far(words_of(A.f), -3 + k), N_far(words_of(N.f), 7 - k);
+            const struct {
+                Planned near, away;
+                std::int64_t shift;
+            } runs[] = {{reciprocal_of(A.f, p, 1), reciprocal_of(A_far.f, p, 1), -k},
+                        {invsqrt_of(A.f, p, 1), invsqrt_of(A_far.f, p, 1), -k / 2},
+                        {quotient_of(N.f, A.f, p, 1), quotient_of(N.f, A_far.f, p, 1), -k},
+                        {quotient_of(N.f, A.f, p, 1), quotient_of(N_far.f, A.f, p, 1), -k}};
+            for (const auto& [near, away, shift] : runs) {
+                const auto here = result_of(near), there = result_of(away);
+                EXPECT_EQ(words_of(here->result.f), words_of(there->result.f));
+                EXPECT_EQ(here->result.f.exp + shift, there->result.f.exp);
+            }
+        }
+    }
+}
+
 } // namespace
