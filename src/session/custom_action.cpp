@@ -91,6 +91,7 @@ void custom_action(Line& line) {
     request.argument = line.take_value();
     constant_id(request.constant); // refuses a name that isn't one
     CommandLine::apply_options(custom_options(), request, line);
+    check_swap_options(request);
 
     NormalFloatSessionHolder holder;
     holder.set_mode(request.swap_mode ? "swap" : "ram");

@@ -5,9 +5,8 @@
 #include "app/console/prompts.h"
 #include "app/console/unbuilt.h"
 #include "app/failure/exceptions.h"
+#include "farmemory/files/path_operations.h"
 #include "parallel/tasks/setting_rows.h"
-#include "platform/file.h"
-#include "platform/file_system.h"
 
 #include <array>
 
@@ -33,14 +32,8 @@ OutputFormat format_of(const std::string& key) {
     throw InvalidParametersException("", "Invalid Output Framework: " + key);
 }
 
-/// Whether a file can be made in the folder that the path names.
-bool is_writable(const std::string& path) {
-    const std::string probe = path + "zorvane write test.tmp";
-    if (platform::file_exists(probe)) return true;
-    if (platform::write_whole_file(probe, "") != 0) return false;
-    platform::file_system().remove(probe);
-    return true;
-}
+/// Of the menu.
+constexpr std::uint32_t format_option = 1, path_option = 2, raw_option = 3;
 
 /// The bytes of a file of packed digits: 19 decimal or 16 hexadecimal ones in 8 bytes.
 std::uint64_t packed_bytes(std::uint64_t digits, std::uint64_t digits_per_word) {
@@ -102,43 +95,57 @@ std::uint64_t OutputSettings::total_bytes(const ComputationSize& size) const {
 }
 
 void OutputSettings::check_path() const {
-    if (enabled() && !is_writable(path)) throw InvalidParametersException("", "Path is not writable.");
+    if (enabled() && !FileIO::path_is_writable(path)) throw InvalidParametersException("", "Path is not writable.");
+}
+
+void OutputSettings::menu_format() {
+    std::vector<std::string_view> names;
+    for (const FormatRow& row : formats) names.push_back(row.name);
+    OutputSettings changed = *this;
+    changed.format = static_cast<OutputFormat>(choose_name("Select a Digit Output Format", names));
+    if (changed.format == OutputFormat::compressed) {
+        print_line("\nDo not split. Write all digits to a single file: 0\n");
+        changed.set_digits_per_file(prompt_digits("Digits per file (0 for one file only): ", 0, ~std::uint64_t{0}));
+    }
+    changed.check_path();
+    *this = changed;
+}
+
+void OutputSettings::menu_path() {
+    OutputSettings changed = *this;
+    changed.set_path(prompt_path());
+    changed.check_path();
+    *this = changed;
+}
+
+void OutputSettings::print_rows(const ComputationSize& size) const {
+    print_line("\n\nDigit Output:\n", 'w');
+    print_setting_row(format_option, "    Format:", display_name());
+    if (!enabled()) {
+        print_line("\nDigit Output Disabled", 'R');
+    } else {
+        print_setting_row(path_option, "    Output Path:", path.empty() ? "<Default Path>" : path);
+        print_setting_row(raw_option, "    Raw I/O:", raw_io ? "Enabled" : "Disabled");
+        constexpr std::size_t label_width = 36; // of the rows above
+        print_labelm_line(label_width, "        Total Output Size:", format_bytes(total_bytes(size)), 'P');
+    }
+    print_line("\n   0    Done!\n", 'w');
 }
 
 void OutputSettings::menu(const ComputationSize& size) {
-    print_line("\n\nDigit Output:\n", 'w');
-    constexpr std::size_t label_width = 32;
-    print_labelm_line(label_width, "        Format:", display_name(), 'G');
-    if (enabled()) {
-        print_labelm_line(label_width, "        Output Path:", path.empty() ? "<Default Path>" : path, 'G');
-        print_labelm_line(label_width, "        Total Output Size:", format_bytes(total_bytes(size)), 'P');
-    }
-    std::vector<std::string_view> names;
-    for (const FormatRow& row : formats) names.push_back(row.name);
-    const std::string raw_row = std::string("Raw I/O: ") + (raw_io ? "Enabled" : "Disabled") + "  (toggle)";
-    if (enabled()) names.push_back(raw_row);
-    const std::size_t choice = choose_name("Select a Digit Output Format", names);
-    if (choice == formats.size()) {
-        raw_io = !raw_io;
-        return;
-    }
-    OutputSettings changed = *this;
-    changed.format = static_cast<OutputFormat>(choice);
-    try {
-        if (changed.format == OutputFormat::compressed) {
-            print_line("\nDo not split. Write all digits to a single file: 0\n");
-            changed.set_digits_per_file(prompt_digits("Digits per file (0 for one file only): ", 0, ~std::uint64_t{0}));
+    for (;;) {
+        print_rows(size);
+        try {
+            switch (prompt_int("option: ", 0, enabled() ? raw_option : format_option, 'T')) {
+            case format_option: menu_format(); break;
+            case path_option: menu_path(); break;
+            case raw_option: raw_io = !raw_io; break;
+            default: return;
+            }
+        } catch (const InvalidParametersException& refusal) {
+            print_warning(refusal.message);
         }
-    } catch (const InvalidParametersException& refusal) {
-        print_warning(refusal.message);
-        return;
     }
-    if (changed.enabled()) changed.set_path(prompt_path());
-    if (changed.enabled() && !is_writable(changed.path)) {
-        print_warning("Path is not writable.");
-        return;
-    }
-    *this = changed;
 }
 
 } // namespace zvp

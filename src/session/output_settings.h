@@ -44,6 +44,12 @@ public:
     void menu(const ComputationSize& size);
 
     bool operator==(const OutputSettings&) const = default;
+
+private:
+    void print_rows(const ComputationSize& size) const;
+    /// Raise InvalidParametersException for a choice that can't be kept; nothing is changed then.
+    void menu_format();
+    void menu_path();
 };
 
 } // namespace zvp

@@ -11,12 +11,17 @@ namespace zorvane {
 
 namespace {
 
-void require_swap_mode(const ResourceRequest& request, const CommandLine::CommandLine& line) {
-    if (!request.swap_mode)
-        throw zvp::InvalidParametersException("", "Option " + line.key() + " is not supported for this mode.");
+/// Remembers an option that only swap mode has: the mode may come behind it.
+void note_swap_option(ResourceRequest& request, const CommandLine::CommandLine& line) {
+    if (request.swap_option.empty()) request.swap_option = line.key();
 }
 
 } // namespace
+
+void check_swap_options(const ResourceRequest& request) {
+    if (!request.swap_mode && !request.swap_option.empty())
+        throw zvp::InvalidParametersException("", "Option " + request.swap_option + " is not supported for this mode.");
+}
 
 void take_allocator(ResourceRequest& request, CommandLine::CommandLine& line) {
     zvp::make_allocator(line.value()); // refuses a name that isn't one
@@ -33,18 +38,18 @@ void take_task_decomposition(ResourceRequest& request, CommandLine::CommandLine&
 }
 
 void take_memory(ResourceRequest& request, CommandLine::CommandLine& line) {
-    require_swap_mode(request, line);
+    note_swap_option(request, line);
     request.memory = zvp::parse_bytes(line.take_value());
 }
 
 void take_bytes_per_seek(ResourceRequest& request, CommandLine::CommandLine& line) {
-    require_swap_mode(request, line);
+    note_swap_option(request, line);
     constexpr std::uint64_t lowest = 4096, highest = (std::uint64_t{1} << 31) - 1;
     request.bytes_per_seek = std::clamp(zvp::parse_bytes(line.take_value()), lowest, highest);
 }
 
 void take_far_memory(ResourceRequest& request, CommandLine::CommandLine& line) {
-    require_swap_mode(request, line);
+    note_swap_option(request, line);
     if (line.value() != "raid0" && line.value() != "raid3")
         throw zvp::InvalidParametersException("", "Unrecognized mode: " + line.value());
     request.far_memory = line.take_value();

@@ -21,11 +21,15 @@ struct ResourceRequest {
     std::optional<std::uint64_t> bytes_per_seek;     // swap mode only
     std::optional<std::string> far_memory;           // keyword of the array; swap mode only
     std::vector<std::string> far_memory_paths;
+    std::string swap_option; // the first one that only swap mode has
 };
 
-/// Handlers of -MA, -PF, -TD, -M, -minIO and -swap. One that needs swap mode fails without it with
-/// "Option -M is not supported for this mode.".
+/// Handlers of -MA, -PF, -TD, -M, -minIO and -swap.
 using ResourceHandler = void (*)(ResourceRequest&, CommandLine::CommandLine&);
+
+/// For the end of the options: raises InvalidParametersException, "Option -M is not supported for this mode.", where one
+/// needs swap mode and it isn't chosen.
+void check_swap_options(const ResourceRequest& request);
 
 void take_allocator(ResourceRequest& request, CommandLine::CommandLine& line);
 void take_framework(ResourceRequest& request, CommandLine::CommandLine& line);

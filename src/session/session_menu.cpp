@@ -38,10 +38,11 @@ void print_memory_rows(const NormalFloatSessionB& session) {
     print_line(" for output", 'w');
 }
 
-/// One of the options; anything else is asked again.
+/// One of the options; anything else is asked again, and so is the end of the input, which mustn't start anything.
 std::uint32_t prompt_option(const std::vector<std::uint32_t>& options) {
     for (;;) {
         const std::uint32_t option = prompt_int("option: ", 0, *std::max_element(options.begin(), options.end()), 'T');
+        if (input_has_ended()) continue;
         if (std::find(options.begin(), options.end(), option) != options.end()) return option;
     }
 }
@@ -108,7 +109,7 @@ void load_settings(NormalFloatSessionB& session) {
 
 void act(NormalFloatSessionB& session, std::uint32_t option) {
     ConstantSettings& settings = *session.settings;
-    const std::uint64_t maximum = settings.constant->max_digits();
+    constexpr std::uint64_t any = ~std::uint64_t{0}; // the settings tell the limits
     switch (option) {
     case 1:
         if (std::unique_ptr<Constant> chosen = choose_constant()) settings.set_constant(std::move(chosen));
@@ -116,11 +117,11 @@ void act(NormalFloatSessionB& session, std::uint32_t option) {
     case 2: settings.constant->algorithm_menu(); break;
     case 3:
         print_line("\n\nSelect the # of decimal digits to compute:\n", 'w');
-        settings.set_decimal_digits(prompt_digits("Digits: ", min_decimal_digits, maximum));
+        settings.set_decimal_digits(prompt_digits("Digits: ", 0, any));
         break;
     case 4:
         print_line("\n\nSelect the # of hexadecimal digits to compute: (0 to disable)\n", 'w');
-        settings.set_hexadecimal_digits(prompt_digits("Digits: ", 0, hexadecimal_equivalent_of(maximum)));
+        settings.set_hexadecimal_digits(prompt_digits("Digits: ", 0, any));
         break;
     case 5: settings.output.menu(settings.size); break;
     case 6: settings.verify_output = !settings.verify_output; break;
@@ -130,7 +131,6 @@ void act(NormalFloatSessionB& session, std::uint32_t option) {
     case 20: load_settings(session); break;
     case 21: save_config_file(version_text(), "CustomCompute", session.to_config()); break;
     }
-    session.update();
 }
 
 } // namespace
@@ -181,6 +181,7 @@ void NormalFloatSessionB::menu(bool offer_start) {
         } catch (const Exception& failure) {
             failure.print();
         }
+        update(); // a refused option may have changed something before
     }
 }
 

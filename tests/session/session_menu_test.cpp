@@ -39,13 +39,13 @@ TEST(CustomMenu, AnOptionDoesNotReachItsSetting) {
         {"1\n2\n2\n1\n", "        Algorithm : \"exp(-1)\""},
         {"3\n5000\n", "        DecimalDigits : 5000"},
         {"3\n1K\n", "        DecimalDigits : 1024"},
-        {"3\n99\n1000000000000051\n1m\n", "        DecimalDigits : 1000000"},
+        {"3\n99\n3\n1000000000000051\n3\n1m\n", "        DecimalDigits : 1000000"},
         {"4\n0\n", "        EnableHexDigits : \"false\""},
         {"4\n0\n4\n900\n", "        HexadecimalDigits : 900"},
-        {"5\n0\n", "        Framework : \"none\""},
-        {"5\n1\n" + path + "\n", "        Path : \"" + path + "/\""},
-        {"5\n3\n", "        RawIO : \"false\""},
-        {"5\n2\n25m\n" + path + "\n", "        DigitsPerFile : 25000000"},
+        {"5\n1\n0\n0\n", "        Framework : \"none\""},
+        {"5\n2\n" + path + "\n0\n", "        Path : \"" + path + "/\""},
+        {"5\n3\n0\n", "        RawIO : \"false\""},
+        {"5\n1\n2\n25m\n0\n", "        DigitsPerFile : 25000000"},
         {"6\n", "    OutputVerify : \"false\""},
         {"7\n1\n", "    Mode : \"ram\""},
         {"8\n2\n5\n0\n", "        TaskDecomposition : 5"},
@@ -64,9 +64,11 @@ TEST(CustomMenu, ARefusedAnswerIsTaken) {
     const struct {
         std::string input, told;
     } cases[] = {
+        {"3\n99\n", "Computation size must be at least 100 decimal digits."},
+        {"3\n2000000000000000\n", "Computation size cannot be larger than 1,000,000,000,000,050 decimal digits."},
         {"4\n5\n", "Computation size must be at least 83 hexadecimal digits."},
-        {"5\n1\n/no/such/folder\n", "Path is not writable."},
-        {"5\n2\n999999\n", "DigitsPerFile must be at least 1,000,000 digits."},
+        {"5\n2\n/no/such/folder\n0\n", "Path is not writable."},
+        {"5\n1\n2\n999999\n0\n", "DigitsPerFile must be at least 1,000,000 digits."},
         {"1\n8\n", "Euler-Mascheroni Constant isn't part of version"},
         {"7\n2\n1\n", "        Swap Mode           Not Supported\n"},
         {"9\n1\n0\n", "   1    Adjust Total Memory (not available in this mode)\n"},
@@ -82,7 +84,7 @@ TEST(CustomMenu, ARefusedAnswerIsTaken) {
 }
 
 TEST(CustomMenu, VerifyingIsOfferedWithoutAnOutput) {
-    const Edited off("5\n0\n6\n");
+    const Edited off("5\n1\n0\n0\n6\n");
     const std::size_t second = off.printed.rfind("Custom Compute a Constant");
     EXPECT_TRUE(off.told("  6     Verify Output:"));
     EXPECT_EQ(off.printed.find("Verify Output", second), std::string::npos);

@@ -76,8 +76,15 @@ void print_warning(std::string_view text) {
     set_color('w');
 }
 
+namespace {
+
+bool ended = false; // an empty line was answered for the end of the input
+
+} // namespace
+
+bool input_has_ended() { return ended; }
+
 std::string read_line(char color) {
-    static bool ended = false;
     set_color(color);
     std::string line;
     for (;;) {

@@ -41,6 +41,9 @@ void print_warning(std::string_view text);
 /// answered.
 std::string read_line(char color = ' ');
 
+/// Whether the last line was the end of the input: what must not happen unasked can wait for a line that somebody typed.
+bool input_has_ended();
+
 /// Waits for a key where a user is there to press one; in the colour, white by default.
 void pause(char color = 'w');
 

@@ -36,7 +36,9 @@ std::string brent_name(std::string_view name, std::uint32_t k) {
 
 } // namespace
 
-void ArgumentConstant::set_parameters(std::string_view text) { set_argument(parse_sL(text)); }
+void ArgumentConstant::set_parameters(std::string_view text) {
+    if (!text.empty()) set_argument(parse_sL(text));
+}
 
 void ArgumentConstant::save_parameters(Object& object) const { object.add_integer("Argument", argument); }
 
@@ -46,7 +48,7 @@ bool ArgumentConstant::prompt_argument(std::string_view heading, std::string_vie
     print_line("\n\n" + std::string(heading) + "\n", 'w');
     for (;;) {
         try {
-            set_parameters(prompt_line(label, 'T'));
+            set_argument(parse_sL(prompt_line(label, 'T')));
             print_line();
             return true;
         } catch (const InvalidParametersException& refusal) {

@@ -42,10 +42,15 @@ ComputationSize::ComputationSize(std::uint64_t decimal_digits_) {
 }
 
 void ComputationSize::assign(std::uint64_t decimal_digits_) {
+    const bool follow = hexadecimal_digits != 0 && hexadecimal_digits == hexadecimal_equivalent;
     decimal_digits = decimal_digits_;
     hexadecimal_equivalent = hexadecimal_equivalent_of(decimal_digits);
-    if (hexadecimal_digits != 0) hexadecimal_digits = hexadecimal_equivalent;
-    precision_words = words_of_hexadecimal(hexadecimal_equivalent);
+    assign_hexadecimal(follow ? hexadecimal_equivalent : hexadecimal_digits);
+}
+
+void ComputationSize::assign_hexadecimal(std::uint64_t digits) {
+    hexadecimal_digits = digits;
+    precision_words = words_of_hexadecimal(std::max(hexadecimal_equivalent, hexadecimal_digits));
 }
 
 void ComputationSize::set_decimal_digits(std::uint64_t digits, std::uint64_t maximum) {
@@ -57,8 +62,7 @@ void ComputationSize::set_hexadecimal_digits(std::uint64_t digits, std::uint64_t
     if (digits != 0)
         check(digits, hexadecimal_equivalent_of(min_decimal_digits), hexadecimal_equivalent_of(maximum),
               " hexadecimal digits.");
-    hexadecimal_digits = digits;
-    precision_words = words_of_hexadecimal(std::max(hexadecimal_equivalent, hexadecimal_digits));
+    assign_hexadecimal(digits);
 }
 
 void ComputationSize::normalize(std::uint64_t maximum) {
@@ -69,6 +73,7 @@ void ComputationSize::normalize(std::uint64_t maximum) {
     if (decimal_digits > maximum || hexadecimal_digits > hexadecimal_equivalent_of(maximum)) {
         print_warning("Precision above maximum: Clipping to maximum.");
         assign(std::min(decimal_digits, maximum));
+        assign_hexadecimal(std::min(hexadecimal_digits, hexadecimal_equivalent_of(maximum)));
     }
 }
 

@@ -25,8 +25,7 @@ constexpr std::uint64_t words_of_hexadecimal(std::uint64_t hexadecimal_digits) {
 
 /// The size of a computation.
 ///
-/// While hexadecimal digits are enabled, they follow the decimal ones as these change, up to the next
-/// set_hexadecimal_digits().
+/// Hexadecimal digits that are as many as the decimal ones carry follow these as they change; another number stays.
 class ComputationSize {
 public:
     static constexpr std::uint64_t default_decimal_digits = 50'000'000;
@@ -59,6 +58,7 @@ public:
 
 private:
     void assign(std::uint64_t decimal_digits_);
+    void assign_hexadecimal(std::uint64_t digits);
 };
 
 } // namespace zvp

@@ -51,7 +51,7 @@ TEST(Catalog, AnArgumentIsTakenWrongly) {
         {"sqrt", "1", low},
         {"sqrt", "0", low},
         {"sqrt", "-5", low},
-        {"sqrt", "", low},
+        {"sqrt", "", "Sqrt(2)"},
         {"sqrt", "4", "4 is a perfect square."},
         {"sqrt", "65536", "65536 is a perfect square."},
         {"sqrt", "4294836225", "4294836225 is a perfect square."}, // 65535^2

@@ -99,6 +99,10 @@ TEST(ComputationSize, HexadecimalDigitsStayBehind) {
     EXPECT_EQ(size.hexadecimal_digits, 0u);
     size.enable_hexadecimal_digits(true);
     EXPECT_EQ(size.hexadecimal_digits, 2491u);
+    size.set_hexadecimal_digits(5000, max_decimal_digits); // a number of its own
+    size.set_decimal_digits(4000, max_decimal_digits);
+    EXPECT_EQ(size.hexadecimal_digits, 5000u);
+    EXPECT_EQ(size.precision_words, 5000u / 8 + 3);
 }
 
 TEST(ComputationSize, AnotherConstantLeavesASizeBeyondItsLimits) {
