@@ -166,7 +166,8 @@ void NormalFloatSessionB::menu(bool offer_start) {
         zvp::print(" 20/21  ", 'w');
         print_line("Load/Save Configuration File", 'g');
         print_line();
-        const bool ends = good || !offer_start;
+        // Settings for a later version may be edited and saved, if not run.
+        const bool ends = good || (!offer_start && !obstacle->unbuilt.empty());
         if (ends) print_line(offer_start ? "  0     Start Computation!" : "  0     Finish", 'G');
         print_line("", 'w');
         std::vector<std::uint32_t> options{1, 2, 3, 4, 5, 7, 8, 9, 20, 21};

@@ -69,7 +69,7 @@ TEST(CustomMenu, ARefusedAnswerIsTaken) {
         {"4\n5\n", "Computation size must be at least 83 hexadecimal digits."},
         {"5\n2\n/no/such/folder\n0\n", "Path is not writable."},
         {"5\n1\n2\n999999\n0\n", "DigitsPerFile must be at least 1,000,000 digits."},
-        {"1\n8\n", "Euler-Mascheroni Constant isn't part of version"},
+        {"1\n8\n0\n2\n", "Euler-Mascheroni Constant isn't part of version"},
         {"7\n2\n1\n", "        Swap Mode           Not Supported\n"},
         {"9\n1\n0\n", "   1    Adjust Total Memory (not available in this mode)\n"},
         {"20\n/no/such/file\n", "Unable to open file."},
@@ -105,16 +105,19 @@ TEST(CustomMenu, AFileReadsBackAsOtherSettings) {
 }
 
 TEST(CustomMenu, AStartIsOfferedThatCannotRun) {
-    NormalFloatSessionB session;
-    session.settings->set_constant(make_constant("sqrt", "2"));
-    session.settings->set_decimal_digits(max_decimal_digits);
-    session.update();
-    const std::string printed = printed_with_input("0\n3\n1000\n0\n", [&] { session.menu(true); });
-    const std::size_t start = printed.find("  0     Start Computation!\n");
-    ASSERT_NE(start, std::string::npos);
-    EXPECT_LT(printed.find("option: option: "), start) << printed;
-    EXPECT_EQ(printed.find("  0     Finish"), std::string::npos);
-    EXPECT_EQ(session.obstacle, nullptr);
+    const std::string start = "  0     Start Computation!\n", finish = "  0     Finish\n";
+    for (const bool offered : {true, false}) {
+        NormalFloatSessionB session;
+        session.settings->set_constant(make_constant("sqrt", "2"));
+        session.settings->set_decimal_digits(max_decimal_digits);
+        session.update();
+        const std::string printed = printed_with_input("0\n3\n1000\n0\n", [&] { session.menu(offered); });
+        const std::size_t end = printed.find(offered ? start : finish);
+        ASSERT_NE(end, std::string::npos);
+        EXPECT_LT(printed.find("option: option: "), end) << printed;
+        EXPECT_EQ(printed.find(offered ? finish : start), std::string::npos);
+        EXPECT_EQ(session.obstacle, nullptr);
+    }
 }
 
 } // namespace

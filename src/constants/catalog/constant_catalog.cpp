@@ -109,16 +109,14 @@ std::unique_ptr<Constant> load_constant(const Object& object) {
 }
 
 std::unique_ptr<Constant> choose_constant() {
-    print_catalog();
-    print_line("Enter your choice:");
-    const std::uint32_t id = prompt_int("option: ", 0, rows.size() - 1, 'T');
-    std::unique_ptr<Constant> constant = make_constant(static_cast<std::int32_t>(id));
-    if (!constant->is_built()) {
+    for (;;) {
+        print_catalog();
+        print_line("Enter your choice:");
+        const std::uint32_t id = prompt_int("option: ", 0, rows.size() - 1, 'T');
+        std::unique_ptr<Constant> constant = make_constant(static_cast<std::int32_t>(id));
+        if (constant->is_built()) return constant->prompt_parameters() ? std::move(constant) : nullptr;
         print_unbuilt(rows[id].name);
-        return nullptr;
     }
-    if (!constant->prompt_parameters()) return nullptr;
-    return constant;
 }
 
 } // namespace zvp

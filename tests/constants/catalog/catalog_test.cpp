@@ -171,8 +171,8 @@ TEST(ConstantMenu, AChoiceIsLostOrAWrongOneKept) {
         {"0\n1\n16\n4294967296\n10\n", "Sqrt(10)",
          "n = Argument must be greater than 1.\nn = This number is a perfect square.\n"
          "Please choose something more interesting :)\nn = Argument is too large.\nn = "},
-        {"5\n", "", "Zeta(3) (Apery's Constant) isn't part of version"},
-        {"10\n", "", "Custom constant with user-defined formula. isn't part of version"},
+        {"5\n3\n", "Pi", "Zeta(3) (Apery's Constant) isn't part of version"},
+        {"10\n1\n", "Golden Ratio", "Custom constant with user-defined formula. isn't part of version"},
     };
     for (const auto& c : cases) {
         std::string chosen;
