@@ -1,9 +1,9 @@
 // Chudnovsky's series, as Pi takes it, in one truncated block of the precision, as the first and last block of a constant
-// would be, and exactly: the time of the whole, and the shares of the leaves alone and of the residue check. Times are the
-// least of several runs by the wall clock; leaves and check are timed on one thread. Arguments: the decimal digits of each
-// row.
+// would be, and exactly; then as Pi sums it, in blocks with the division at the end: the times, and the shares of the leaves
+// alone and of the residue check. Times are the least of several runs by the wall clock; leaves and check are timed on one
+// thread. Arguments: the decimal digits of each row.
 
-#include "constants/pi/pi_series.h"
+#include "constants/pi/pi_sum.h"
 #include "multiply/contract/multiply_tables.h"
 #include "parallel/tasks/framework_config.h"
 #include "platform/clock.h"
@@ -101,6 +101,24 @@ private:
     Memory scratch;
 };
 
+/// Seconds of the series' value as Pi takes it: blocks of falling precision, folded, and the division at the end.
+double value_seconds(std::size_t words, std::uint32_t tds, int rounds) {
+    const Pi_Series_BigFloatR pi(PiSeries::chudnovsky, -1, words, tds, false);
+    const std::unique_ptr<ParallelFramework> framework = make_framework_config("pushpool")->make_framework();
+    MultiplyTables tables;
+    pi.ensure_tables(tables);
+    const Memory table_memory(tables.bytes()), number(pi.result_words * sizeof(wtype)), memory(pi.memory_bytes);
+    tables.place(table_memory.get());
+    MultiplyParameters pars;
+    pars.tds = tds;
+    pars.framework = framework.get();
+    pars.tables = &tables;
+    return least_seconds(rounds, [&] {
+        BigFloat value(number.words(), pi.result_words);
+        pi.sum.run(pars, {}, value, {memory.get(), pi.memory_bytes});
+    });
+}
+
 void bench(std::uint64_t digits) {
     const double nats = static_cast<double>(digits) / digits_per_nat().hi;
     const auto words = static_cast<std::size_t>(nats * words_per_nat().hi) + 3;
@@ -117,6 +135,8 @@ void bench(std::uint64_t digits) {
         std::printf("  %u task%s  truncated %10.3f ms  %8.1f ns/digit  speedup %4.2f   exact %10.3f ms\n", tds,
                     tds == 1 ? " " : "s", whole * 1e3, whole * 1e9 / static_cast<double>(digits), first / whole,
                     exact * 1e3);
+        const double value = value_seconds(words, tds, rounds);
+        std::printf("           blocks and division %10.3f ms\n", value * 1e3);
         if (tds > 1) continue;
         const double leaves = least_seconds(rounds, [&] { run.run_leaves(0, series.N); });
         const auto results = run.run<bs::ExactNumber>();
@@ -124,9 +144,9 @@ void bench(std::uint64_t digits) {
             bs::zvc_Verify_BSR(0, series.N, {results.data(), 2}, run.pars);
         });
         std::printf(
-            "           leaves %10.3f ms = %4.1f %% of truncated, %6.1f ns/term   merges %5.1f %%   check %7.3f ms = "
-            "%5.2f %% of exact\n",
-            leaves * 1e3, leaves / whole * 100, leaves * 1e9 / static_cast<double>(series.N),
+            "           leaves %10.3f ms = %4.1f %% of truncated, %4.1f %% of blocks and division, %6.1f ns/term   "
+            "merges %5.1f %%   check %7.3f ms = %5.2f %% of exact\n",
+            leaves * 1e3, leaves / whole * 100, leaves / value * 100, leaves * 1e9 / static_cast<double>(series.N),
             (whole - leaves) / whole * 100, check * 1e3, check / exact * 100);
     }
 }
