@@ -14,6 +14,9 @@ namespace zvp {
 
 namespace {
 
+/// Whether a pass over all levels of the block keeps to the cache.
+bool is_small(const HybridJob& job, unsigned k) { return k <= 3 || cache_split(2 * k, job.size.n) >= k; }
+
 /// How a block of 2^k points falls into columns and rows.
 struct Split {
     unsigned column_levels;
@@ -23,8 +26,13 @@ struct Split {
     std::uint64_t rows() const { return std::uint64_t{1} << column_levels; }
 };
 
+/// Of two odd parts each would take a step of one level; one level passed to the rows makes that a step of two, if they
+/// stay in the cache and there are enough of them for all tasks.
 Split split_of(const HybridJob& job, unsigned k) {
     const unsigned v = cache_split(k, job.size.n);
+    const bool both_odd = v % 2 == 1 && k % 2 == 0;
+    if (both_odd && is_small(job, k - v + 1) && job.size.tasks <= std::uint32_t{1} << (v - 1))
+        return {v - 1, k - v + 1};
     return {v, k - v};
 }
 
@@ -36,9 +44,6 @@ ElementSet column_of(const HybridJob& job, RingWord* X, const Split& split, std:
 RingWord* row_of(const HybridJob& job, RingWord* X, const Split& split, std::uint64_t row) {
     return X + row * (job.size.stride << split.row_levels);
 }
-
-/// Whether a pass over all levels of the block keeps to the cache.
-bool is_small(const HybridJob& job, unsigned k) { return k <= 3 || cache_split(2 * k, job.size.n) >= k; }
 
 void forward_block(const HybridJob& job, RingWord* X, unsigned k, TaskScratch scratch) {
     if (is_small(job, k)) {

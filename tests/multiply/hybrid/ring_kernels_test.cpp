@@ -121,6 +121,34 @@ TEST_P(Kernels, RadixFourStepsAndTheWayBack) {
     });
 }
 
+/// Carries and borrows of two levels, -2 to 3 in all, that run through whole elements.
+TEST_P(Kernels, RadixFourStepsOfZerosAndOnes) {
+    constexpr std::size_t inputs[]{1, 6, 3, 4};
+    for (const std::size_t n : {64, 132, 388})
+        for (unsigned kinds = 0; kinds < 81; ++kinds) {
+            SCOPED_TRACE("n = " + std::to_string(n) + ", kinds " + std::to_string(kinds));
+            Form form(random, n);
+            for (unsigned i = 0, left = kinds; i < 4; ++i, left /= 3) { // zero, one, all ones
+                std::fill_n(form.at(inputs[i]), n, left % 3 == 2 ? ~0U : 0U);
+                form.at(inputs[i])[0] |= left % 3;
+                form.at(inputs[i])[n] = 0;
+            }
+            form.at(inputs[kinds % 4])[n / 2 - 3] ^= 1; // off the even run
+            RingWord* const x[4]{form.at(1), form.at(6), form.at(3), form.at(4)};
+            RingWord* const z[3]{form.at(0), form.at(5), form.at(2)};
+            const mpz_class x0 = form.value(1), x1 = form.value(6), x2 = form.value(3), x3 = form.value(4);
+            const mpz_class J = form.power(16 * n);
+            form.expect_effect({{1, x0 + x1 + x2 + x3},
+                                {0, x0 - x1 + x2 - x3},
+                                {5, x0 - x2 + J * (x1 - x3)},
+                                {2, x0 - x2 - J * (x1 - x3)}},
+                               [&] { kernels.forward4(x, z, n); });
+            form.expect_effect({{1, 4 * x0}, {6, 4 * x1}, {3, 4 * x2}, {4, 4 * x3}},
+                               [&] { kernels.inverse4(x, z, n); });
+            if (HasFatalFailure()) return;
+        }
+}
+
 TEST_P(Kernels, FirstStepsOfHalves) {
     for_forms(60, [&](Form& form) {
         RingWord* const x[4]{form.at(1), form.at(6), form.at(3), form.at(4)};

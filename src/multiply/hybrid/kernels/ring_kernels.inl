@@ -1,6 +1,7 @@
 // Arithmetic modulo 2^N + 1 in terms of `Block`, a run of 64-bit limbs (`Limb`) that are added and subtracted as one number:
 // Block::limbs, load, store, add, subtract (with a carry or borrow of 0 or 1 in and out), complement, shift; and limb by
-// limb, modulo 2^64, plus, masked, left, right.
+// limb, modulo 2^64, plus, masked, left, right. Blocks with lazy_carries have more of the latter, as OneLimb has them
+// (radix4.inl).
 // What doesn't fill a block goes limb by limb.
 
 __extension__ typedef __int128 Wide;
@@ -8,10 +9,12 @@ __extension__ typedef __int128 Wide;
 /// One limb, with the operations of a block.
 struct OneLimb {
     static constexpr std::size_t limbs = 1;
+    using Limbs = bool;
 
     Limb v;
 
     ZVP_KERNEL_INLINE static OneLimb zero() { return {0}; }
+    ZVP_KERNEL_INLINE static OneLimb broadcast(Limb limb) { return {limb}; }
     ZVP_KERNEL_INLINE static OneLimb load(const RingWord* p) {
         OneLimb block;
         std::memcpy(&block.v, p, sizeof block.v);
@@ -37,6 +40,17 @@ struct OneLimb {
     ZVP_KERNEL_INLINE friend OneLimb shift(OneLimb a, OneLimb below, int bits) {
         return {a.v << bits | below.v >> (64 - bits)};
     }
+    ZVP_KERNEL_INLINE friend OneLimb plus(OneLimb a, OneLimb b) { return {a.v + b.v}; }
+    ZVP_KERNEL_INLINE friend OneLimb minus(OneLimb a, OneLimb b) { return {a.v - b.v}; }
+    ZVP_KERNEL_INLINE friend Limbs below(OneLimb a, OneLimb b) { return a.v < b.v; }
+    ZVP_KERNEL_INLINE friend OneLimb plus_one(OneLimb a, Limbs there) { return {a.v + there}; }
+    ZVP_KERNEL_INLINE friend OneLimb less_one(OneLimb a, Limbs there) { return {a.v - there}; }
+    ZVP_KERNEL_INLINE friend OneLimb moved_up(OneLimb, OneLimb before) { return before; }
+    ZVP_KERNEL_INLINE friend OneLimb or_changes(OneLimb changes, OneLimb a, OneLimb b) {
+        return {changes.v | (a.v ^ b.v)};
+    }
+    ZVP_KERNEL_INLINE friend bool any_top_bit(OneLimb a) { return a.v >> 63 != 0; }
+    ZVP_KERNEL_INLINE friend OneLimb add_to_top(OneLimb a, Limb count) { return {a.v + count}; }
 };
 
 /// Adds the small value v at limb i of x; what leaves the limbs goes to the top word.
@@ -96,63 +110,17 @@ void subtract(RingWord* x, const RingWord* y, std::size_t n) {
     x[n] -= y[n] + step.borrow;
 }
 
-/// Both halves of four elements at once, since J moves one half into the other. Each sum runs in its own chain from the
-/// bottom of a half; what leaves a half is settled afterwards.
-struct Radix4Chains {
-    unsigned a[2]{}, b[2]{}, c[2]{}, d[2]{}; // first sums and differences, by half
-    unsigned out[4][2]{};                    // the results
-};
-
-struct Forward4Step {
-    RingWord* const (&x)[4], * const (&z)[3];
-    std::size_t half; // words
-    Radix4Chains k{};
-
-    template <class B>
-    ZVP_KERNEL_INLINE void run(std::size_t w) {
-        B a[2], b[2], c[2], d[2];
-        for (int h = 0; h < 2; ++h) {
-            const std::size_t at = w + (h ? half : 0);
-            const B x0 = B::load(x[0] + at), x1 = B::load(x[1] + at), x2 = B::load(x[2] + at), x3 = B::load(x[3] + at);
-            a[h] = add(x0, x2, k.a[h]);
-            b[h] = subtract(x0, x2, k.b[h]);
-            c[h] = add(x1, x3, k.c[h]);
-            d[h] = subtract(x1, x3, k.d[h]);
-        }
-        for (int h = 0; h < 2; ++h) {
-            const std::size_t at = w + (h ? half : 0);
-            add(a[h], c[h], k.out[0][h]).store(x[0] + at);
-            subtract(a[h], c[h], k.out[1][h]).store(z[0] + at);
-        }
-        subtract(b[0], d[1], k.out[2][0]).store(z[1] + w);
-        add(b[1], d[0], k.out[2][1]).store(z[1] + half + w);
-        add(b[0], d[1], k.out[3][0]).store(z[2] + w);
-        subtract(b[1], d[0], k.out[3][1]).store(z[2] + half + w);
-    }
-};
-
 ZVP_KERNEL_INLINE Wide wide(unsigned x) { return static_cast<Wide>(x); }
 
-/// Settles what left the halves: `low` at the middle, `high` at the top.
-ZVP_KERNEL_INLINE void settle(RingWord* x, std::size_t n, Wide low, Wide high) {
-    x[n] = static_cast<RingWord>(high);
-    add_at(x, n, n / 4, low);
-}
+#include "multiply/hybrid/kernels/radix4.inl"
 
 void forward4(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n) {
-    Forward4Step step{x, z, n / 2};
-    const Wide t0 = top_of(x[0], n), t1 = top_of(x[1], n), t2 = top_of(x[2], n), t3 = top_of(x[3], n);
-    for_blocks(n / 4, step);
-    const Radix4Chains& k = step.k;
-    settle(x[0], n, wide(k.a[0]) + wide(k.c[0]) + wide(k.out[0][0]),
-           t0 + t1 + t2 + t3 + wide(k.a[1]) + wide(k.c[1]) + wide(k.out[0][1]));
-    settle(z[0], n, wide(k.a[0]) - wide(k.c[0]) - wide(k.out[1][0]),
-           t0 - t1 + t2 - t3 + wide(k.a[1]) - wide(k.c[1]) - wide(k.out[1][1]));
-    // J times the tops of x1 - x3 is minus them at the middle.
-    settle(z[1], n, wide(k.d[1]) - wide(k.b[0]) - wide(k.out[2][0]) - (t1 - t3),
-           t0 - t2 - wide(k.b[1]) - wide(k.d[0]) + wide(k.out[2][1]));
-    settle(z[2], n, wide(k.out[3][0]) - wide(k.b[0]) - wide(k.d[1]) + (t1 - t3),
-           t0 - t2 - wide(k.b[1]) + wide(k.d[0]) - wide(k.out[3][1]));
+    radix4({{x[0], x[2], x[1], x[3]}, {x[0], z[0], z[1], z[2]}, n / 2}, n);
+}
+
+/// The results come as sums of y0, y1 and y3, y2, which are x[0], z[0] and z[2], z[1].
+void inverse4(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n) {
+    radix4({{x[0], z[0], z[2], z[1]}, {x[0], x[2], x[1], x[3]}, n / 2}, n);
 }
 
 /// Of halves: nothing but carries passes the middle, and J (x1 - x3) lies above x0 - x2.
@@ -198,50 +166,6 @@ ZVP_KERNEL_INLINE void load4_halves(RingWord* const (&x)[4], RingWord* const (&z
 void load4(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n, bool two) {
     if (two) return load4_halves<true>(x, z, n);
     load4_halves<false>(x, z, n);
-}
-
-struct Inverse4Step {
-    RingWord* const (&x)[4], * const (&z)[3];
-    std::size_t half; // words
-    Radix4Chains k{};
-
-    template <class B>
-    ZVP_KERNEL_INLINE void run(std::size_t w) {
-        B a[2], b[2], c[2], d[2];
-        for (int h = 0; h < 2; ++h) {
-            const std::size_t at = w + (h ? half : 0);
-            const B y0 = B::load(x[0] + at), y1 = B::load(z[0] + at), y2 = B::load(z[1] + at), y3 = B::load(z[2] + at);
-            a[h] = add(y0, y1, k.a[h]);
-            c[h] = subtract(y0, y1, k.c[h]);
-            b[h] = add(y2, y3, k.b[h]);
-            d[h] = subtract(y3, y2, k.d[h]);
-        }
-        for (int h = 0; h < 2; ++h) {
-            const std::size_t at = w + (h ? half : 0);
-            add(a[h], b[h], k.out[0][h]).store(x[0] + at);
-            subtract(a[h], b[h], k.out[2][h]).store(x[2] + at);
-        }
-        subtract(c[0], d[1], k.out[1][0]).store(x[1] + w);
-        add(c[1], d[0], k.out[1][1]).store(x[1] + half + w);
-        add(c[0], d[1], k.out[3][0]).store(x[3] + w);
-        subtract(c[1], d[0], k.out[3][1]).store(x[3] + half + w);
-    }
-};
-
-void inverse4(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n) {
-    Inverse4Step step{x, z, n / 2};
-    const Wide t0 = top_of(x[0], n), t1 = top_of(z[0], n), t2 = top_of(z[1], n), t3 = top_of(z[2], n);
-    for_blocks(n / 4, step);
-    const Radix4Chains& k = step.k;
-    settle(x[0], n, wide(k.a[0]) + wide(k.b[0]) + wide(k.out[0][0]),
-           t0 + t1 + t2 + t3 + wide(k.a[1]) + wide(k.b[1]) + wide(k.out[0][1]));
-    settle(x[2], n, wide(k.a[0]) - wide(k.b[0]) - wide(k.out[2][0]),
-           t0 + t1 - t2 - t3 + wide(k.a[1]) - wide(k.b[1]) - wide(k.out[2][1]));
-    // x1 and x3 are c + J d and c - J d with d = y3 - y2.
-    settle(x[1], n, wide(k.d[1]) - wide(k.c[0]) - wide(k.out[1][0]) - (t3 - t2),
-           t0 - t1 - wide(k.c[1]) - wide(k.d[0]) + wide(k.out[1][1]));
-    settle(x[3], n, wide(k.out[3][0]) - wide(k.c[0]) - wide(k.d[1]) + (t3 - t2),
-           t0 - t1 - wide(k.c[1]) + wide(k.d[0]) - wide(k.out[3][1]));
 }
 
 /// z = x << Bits, whole limbs, complemented or not.

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 
 #include "platform/simd/target_avx512_begin.inl"
 
@@ -19,6 +20,8 @@ using Limb = std::uint64_t;
 /// adding the masks as integers runs the carries through all limbs at once.
 struct Block {
     static constexpr std::size_t limbs = 8;
+    static constexpr bool lazy_carries = true;
+    using Limbs = __mmask8;
 
     __m512i v;
 
@@ -41,12 +44,36 @@ struct Block {
                                 _mm512_srl_epi64(below.v, _mm_cvtsi32_si128(64 - bits)))};
     }
     ZVP_KERNEL_INLINE static Block zero() { return {_mm512_setzero_si512()}; }
+    ZVP_KERNEL_INLINE static Block broadcast(Limb limb) { return {_mm512_set1_epi64(static_cast<long long>(limb))}; }
     ZVP_KERNEL_INLINE friend Block plus(Block a, Block b) { return {_mm512_add_epi64(a.v, b.v)}; }
     ZVP_KERNEL_INLINE friend Block masked(Block a, Limb mask) {
         return {_mm512_and_si512(a.v, _mm512_set1_epi64(static_cast<long long>(mask)))};
     }
     ZVP_KERNEL_INLINE friend Block left(Block a, int bits) { return {_mm512_sll_epi64(a.v, _mm_cvtsi32_si128(bits))}; }
     ZVP_KERNEL_INLINE friend Block right(Block a, int bits) { return {_mm512_srl_epi64(a.v, _mm_cvtsi32_si128(bits))}; }
+
+    ZVP_KERNEL_INLINE friend Block minus(Block a, Block b) { return {_mm512_sub_epi64(a.v, b.v)}; }
+    /// The limbs of a that are less than b's.
+    ZVP_KERNEL_INLINE friend Limbs below(Block a, Block b) { return _mm512_cmplt_epu64_mask(a.v, b.v); }
+    ZVP_KERNEL_INLINE friend Block plus_one(Block a, Limbs there) {
+        return {_mm512_mask_sub_epi64(a.v, there, a.v, _mm512_set1_epi64(-1))};
+    }
+    ZVP_KERNEL_INLINE friend Block less_one(Block a, Limbs there) {
+        return {_mm512_mask_add_epi64(a.v, there, a.v, _mm512_set1_epi64(-1))};
+    }
+    /// Each limb of a at the place of the next; the top one of the block before at the lowest.
+    ZVP_KERNEL_INLINE friend Block moved_up(Block a, Block before) { return {_mm512_alignr_epi64(a.v, before.v, 7)}; }
+    /// `changes`, and what changes from a to b.
+    ZVP_KERNEL_INLINE friend Block or_changes(Block changes, Block a, Block b) {
+        return {_mm512_ternarylogic_epi64(changes.v, a.v, b.v, 0xF6)};
+    }
+    ZVP_KERNEL_INLINE friend bool any_top_bit(Block a) { return _mm512_movepi64_mask(a.v) != 0; }
+    ZVP_KERNEL_INLINE friend Block add_to_top(Block a, Limb count) {
+        return {_mm512_mask_add_epi64(a.v, 0x80, a.v, _mm512_set1_epi64(static_cast<long long>(count)))};
+    }
+    ZVP_KERNEL_INLINE friend Limb top_limb(Block a) {
+        return static_cast<Limb>(_mm_extract_epi64(_mm512_extracti64x2_epi64(a.v, 3), 1));
+    }
 
 private:
     /// The limbs that take a carry in; `carry` goes in at the lowest and comes out of the highest.

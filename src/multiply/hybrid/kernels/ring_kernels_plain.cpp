@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 
 namespace zvp::plain {
 
@@ -16,6 +17,7 @@ using Limb = std::uint64_t;
 /// Four limbs in registers, so that their carries stay in the flag.
 struct Block {
     static constexpr std::size_t limbs = 4;
+    static constexpr bool lazy_carries = false;
 
     unsigned long long v[limbs];
 
