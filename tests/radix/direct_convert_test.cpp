@@ -2,7 +2,11 @@
 
 #include "radix/overlap.h"
 #include "radix/radix_support.h"
+#include "radix/remainder_float.h"
 #include "support/seed.h"
+
+#include <map>
+#include <utility>
 
 namespace {
 
@@ -87,14 +91,14 @@ TEST(DirectConvert, NumbersLieAnywhere) {
     EXPECT_EQ(converted(BigFloat(), billion, 100, 2, 100), Digits(100, 0));
 }
 
-/// Fractions a / R^m have digits that end in zeros, or, one unit of the last word lower, in R - 1: each node's split lies in
-/// such a run, where a cut of its products shows.
+/// Fractions a / R^m have digits that end in zeros, or, one unit of the last word lower, in R - 1: a split in such a run
+/// shows what its products cut. m stands at the splits of each level, 512 to 32 words, and between them.
 TEST(DirectConvert, RunsOfNinesAndZerosAreRepaired) {
     SCOPED_TRACE(seed_trace());
     std::mt19937_64 random(seed());
     const std::size_t n = 1000, words = zvp::radix_words(billion, n) + 8;
-    testing::internal::CaptureStdout();
-    for (const std::size_t m : {1u, 15u, 16u, 31u, 32u, 250u, 499u, 500u, 501u, 750u, 999u})
+    std::map<std::uint32_t, std::size_t> repairs;
+    for (const std::size_t m : {1u, 15u, 16u, 32u, 250u, 501u, 512u, 750u, 768u, 896u, 960u, 992u, 999u})
         for (const int step : {-1, 0, 1}) {
             mpz_class power, a;
             mpz_ui_pow_ui(power.get_mpz_t(), billion, m);
@@ -106,12 +110,48 @@ TEST(DirectConvert, RunsOfNinesAndZerosAreRepaired) {
             while (!T.empty() && T.back() == 0) T.pop_back();
             const Number x(T, -static_cast<std::int64_t>(words));
             for (const std::uint32_t tds : {1u, 2u, 4u}) {
+                testing::internal::CaptureStdout();
                 const Digits digits = converted(x.f, billion, n, tds, n);
+                const std::string output = testing::internal::GetCapturedStdout();
+                repairs[tds] += output.find("Performing additive correction...") != std::string::npos;
                 mpz_class off = scaled_fraction(x.f, billion, n) - value_of(digits, billion);
                 EXPECT_TRUE(off == 0 || off == 1) << m << " words, step " << step << ", off by " << off;
             }
         }
-    testing::internal::GetCapturedStdout();
+    for (const std::uint32_t tds : {1u, 2u, 4u}) EXPECT_GT(repairs[tds], 0u) << tds << " tasks";
+}
+
+/// A prepared power that doesn't belong to its level is refused before a word is written.
+TEST(DirectConvert, AWrongPowerIsRefused) {
+    const DirectConvertB plan(billion, 100, 1);
+    PlanRun<DirectConvertB> run(plan);
+    zvp::AlignedBufferC<64> buffer = run.buffer();
+    const zvp::AlignedBufferC<64> forms = buffer.spawn(plan.table.forms_bytes);
+    zvp::ReadyPowers powers(plan.table, run.pars, nullptr, forms, buffer);
+    run.pars.M = buffer.pointer;
+    run.pars.ML = buffer.bytes;
+    const struct {
+        std::int64_t exp;
+        std::uint64_t longer;
+        const char* failure;
+    } cases[] = {
+        {-1000, 1, "AlgorithmFailedException: RemainderFloatB::set_inverse_fmul() Unexpected: tmag < 0"},
+        {0, 40, "InvalidParametersException: RemainderFloatB::set_inverse_fmul() Truncated Range"},
+        {0, 1, "nothing"},
+    };
+    const Words before(600, 5);
+    for (const auto& c : cases) {
+        zvp::PowerTransform& power = powers.powers[1];
+        const std::int64_t exp = std::exchange(power.exp, power.exp + c.exp);
+        const std::uint64_t length = std::exchange(power.L, power.L * c.longer);
+        Words area = before;
+        zvp::RemainderFloatB lower{area.data() + 300, 0, 300};
+        const zvp::RemainderFloatB input{area.data() + 600, 300, 300};
+        EXPECT_EQ(failure_of([&] { lower.set_inverse_fmul(powers, 1, input, run.pars); }), c.failure);
+        EXPECT_EQ(area == before, c.exp != 0 || c.longer != 1);
+        power.exp = exp;
+        power.L = length;
+    }
 }
 
 TEST(DirectConvert, OverlapsAreRepairedThroughWholeWords) {
