@@ -107,6 +107,8 @@ void OutputSettings::menu_format() {
         print_line("\nDo not split. Write all digits to a single file: 0\n");
         changed.set_digits_per_file(prompt_digits("Digits per file (0 for one file only): ", 0, ~std::uint64_t{0}));
     }
+    // The path has no option of its own while there is no output.
+    if (changed.enabled() && !FileIO::path_is_writable(changed.path)) changed.set_path(prompt_path());
     changed.check_path();
     *this = changed;
 }

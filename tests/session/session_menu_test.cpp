@@ -91,6 +91,19 @@ TEST(CustomMenu, VerifyingIsOfferedWithoutAnOutput) {
     EXPECT_TRUE(off.has("    OutputVerify : \"true\"")) << "the option that isn't there was taken";
 }
 
+TEST(CustomMenu, AnOutputCannotBeTurnedOnWhereItsPathIsBad) {
+    const test::TemporaryFolder folder;
+    OutputSettings output;
+    output.format = OutputFormat::none;
+    output.set_path("/no/such/folder");
+    const std::string good = folder.path.string() + "/";
+    const std::string printed =
+        printed_with_input("1\n1\n/nor/this\n1\n1\n" + good + "\n0\n", [&] { output.menu(ComputationSize(1000)); });
+    EXPECT_NE(printed.find("Path is not writable."), std::string::npos) << printed;
+    EXPECT_EQ(output.format, OutputFormat::text);
+    EXPECT_EQ(output.path, good);
+}
+
 TEST(CustomMenu, AFileReadsBackAsOtherSettings) {
     const test::TemporaryFolder folder;
     const std::string path = (folder.path / "saved").string();
