@@ -47,30 +47,88 @@ std::vector<std::uint64_t> indices(std::uint64_t border) {
     return all;
 }
 
-TEST(PiLeaves, TermsOfBothFormulasOnBothSidesOfTheBorder) {
+struct PiTerm {
+    mpz_class P, Q, R; // magnitudes
+};
+
+/// One of the two series and its terms by their formula.
+struct PiFormula {
+    const bs::CommonP2B3::BasicIntSeries& series;
+    PiTerm (*term)(const mpz_class& k);
+    std::uint64_t long_from;   // the first index whose leaf takes more words
+    std::uint64_t short_below; // fixed limbs up to here
+    std::size_t q_words;
+};
+
+const zvp::PiChudnovskySeries chudnovsky(100);
+const zvp::PiRamanujanSeries ramanujan(100);
+const PiFormula formulas[] = {
+    {chudnovsky,
+     [](const mpz_class& k) {
+         const mpz_class r = (2 * k - 1) * (6 * k - 5) * (6 * k - 1);
+         return PiTerm{r * (545'140'134 * k + 13'591'409), k * k * k * (mpz_class("640320") * 640'320 * 640'320 / 24),
+                       r};
+     },
+     715'827'883, 635'000, 5},
+    {ramanujan,
+     [](const mpz_class& k) {
+         const mpz_class r = (2 * k - 1) * (4 * k - 3) * (4 * k - 1);
+         return PiTerm{r * (26'390 * k + 1'103), k * k * k * (mpz_class(396) * 396 * 396 * 396 / 8), r};
+     },
+     0x4000'0001, 832'000, 4},
+};
+
+TEST(PiLeaves, TermsOfBothFormulasOnBothSidesOfTheBorders) {
     SCOPED_TRACE(seed_trace());
-    const zvp::PiChudnovskySeries chudnovsky(100);
-    const zvp::PiRamanujanSeries ramanujan(100);
-    for (const std::uint64_t index : indices(715'827'883)) {
-        SCOPED_TRACE(index);
-        const bool is_short = index < 715'827'883;
-        LeafStorage P(is_short ? 5 : 9), Q(is_short ? 5 : 8), R(is_short ? 3 : 6);
-        chudnovsky.leaf(P.number, Q.number, R.number, index);
-        const mpz_class k = big(index), r = (2 * k - 1) * (6 * k - 5) * (6 * k - 1);
-        expect_leaf(R.number, r);
-        expect_leaf(P.number, r * (545'140'134 * k + 13'591'409));
-        expect_leaf(Q.number, k * k * k * (mpz_class("640320") * 640'320 * 640'320 / 24));
-    }
-    for (const std::uint64_t index : indices(0x4000'0001)) {
-        SCOPED_TRACE(index);
-        const bool is_short = index <= 0x4000'0000;
-        LeafStorage P(is_short ? 5 : 9), Q(is_short ? 4 : 8), R(is_short ? 3 : 6);
-        ramanujan.leaf(P.number, Q.number, R.number, index);
-        const mpz_class k = big(index), r = (2 * k - 1) * (4 * k - 3) * (4 * k - 1);
-        expect_leaf(R.number, r);
-        expect_leaf(P.number, r * (26'390 * k + 1'103));
-        expect_leaf(Q.number, k * k * k * (mpz_class(396) * 396 * 396 * 396 / 8));
-    }
+    for (const PiFormula& formula : formulas)
+        for (const std::uint64_t border : {formula.long_from, formula.short_below})
+            for (const std::uint64_t k : indices(border)) {
+                SCOPED_TRACE(k);
+                const PiTerm term = formula.term(big(k));
+                const bool one_limb = k < formula.long_from;
+                LeafStorage P(one_limb ? 5 : 9), Q(one_limb ? formula.q_words : 8), R(one_limb ? 3 : 6);
+                formula.series.leaf(P.number, Q.number, R.number, k);
+                expect_leaf(P.number, term.P);
+                expect_leaf(Q.number, term.Q);
+                expect_leaf(R.number, term.R);
+
+                bs::CommonP2B3::ShortTerm limbs;
+                ASSERT_EQ(formula.series.short_leaf(limbs, k), k < formula.short_below);
+                if (k >= formula.short_below) continue;
+                EXPECT_TRUE(big(limbs.P[0]) + (big(limbs.P[1]) << 64) == term.P);
+                EXPECT_TRUE(big(limbs.Q[0]) + (big(limbs.Q[1]) << 64) == term.Q);
+                EXPECT_TRUE(big(limbs.R[0]) == term.R);
+            }
+}
+
+TEST(PiLeaves, RangesOfEveryLengthAcrossTheBorder) {
+    constexpr std::size_t capacity = 400;
+    for (const PiFormula& formula : formulas)
+        for (const std::uint64_t a : {std::uint64_t{0}, std::uint64_t{7}, formula.short_below - 22})
+            for (std::uint64_t b = a + 1; b <= a + 41; ++b) {
+                SCOPED_TRACE(testing::Message() << "(" << a << ", " << b << "]");
+                mpz_class p = 0, q = 1, r = 1;
+                for (std::uint64_t k = a + 1; k <= b; ++k) {
+                    const PiTerm t = formula.term(big(k));
+                    const bool negative = formula.series.alternating && k % 2 != 0;
+                    p = p * t.Q + (negative ? mpz_class(-r * t.P) : mpz_class(r * t.P));
+                    q *= t.Q;
+                    r *= t.R;
+                }
+                std::vector<wtype> words(5 * capacity);
+                bs::ExactNumber n[4];
+                for (std::size_t i = 0; i < 4; ++i) n[i] = bs::ExactNumber(words.data() + i * capacity, capacity);
+                zvp::MultiplyParameters pars;
+                pars.M = reinterpret_cast<std::byte*>(words.data() + 4 * capacity);
+                pars.ML = capacity * sizeof(wtype);
+                formula.series.BSR_E(pars, n[0], n[1], n[2], n[3], a, b);
+                const mpz_class* const expected[] = {&p, &q, &r};
+                for (std::size_t i = 0; i < 3; ++i) {
+                    const mpz_class magnitude = integer(n[i].T, n[i].L);
+                    EXPECT_TRUE((n[i].sign ? magnitude : mpz_class(-magnitude)) == *expected[i]);
+                    EXPECT_EQ(zvp::normalize_hash(n[i].hash), residue(*expected[i]));
+                }
+            }
 }
 
 template <class Call>
@@ -89,7 +147,7 @@ TEST(PiLeaves, ShortStorageIsRefusedByName) {
         LeafStorage P(p), Q(q), R(r);
         return too_small_name([&] { series.leaf(P.number, Q.number, R.number, k); });
     };
-    const zvp::PiChudnovskySeries c(100);
+    const auto& c = chudnovsky;
     const std::uint64_t c_long = 715'827'883, r_long = 0x4000'0001;
     EXPECT_EQ(call(c, 1, 4, 4, 2), "Pi_Chudnovsky_BSR_End_R1()");
     EXPECT_EQ(call(c, 1, 4, 4, 3), "Pi_Chudnovsky_BSR_End_P1()");
@@ -98,7 +156,7 @@ TEST(PiLeaves, ShortStorageIsRefusedByName) {
     EXPECT_EQ(call(c, c_long, 9, 8, 5), "Pi_Chudnovsky_BSR_End_PR2()");
     EXPECT_EQ(call(c, c_long, 8, 8, 6), "Pi_Chudnovsky_BSR_End_PR2()");
     EXPECT_EQ(call(c, c_long, 9, 7, 6), "Pi_Chudnovsky_BSR_End_Q2");
-    const zvp::PiRamanujanSeries r(100);
+    const auto& r = ramanujan;
     EXPECT_EQ(call(r, 1, 5, 4, 2), "Pi_Ramanujan_BSR_End_R1()");
     EXPECT_EQ(call(r, 1, 4, 4, 3), "Pi_Ramanujan_BSR_End_P1()");
     EXPECT_EQ(call(r, 1, 5, 3, 3), "Pi_Ramanujan_BSR_End_Q1()");

@@ -16,6 +16,7 @@ public:
     explicit PiChudnovskySeries(std::size_t precision_words);
     void leaf(BinarySplitting::LeafInt& P, BinarySplitting::LeafInt& Q, BinarySplitting::LeafInt& R,
               std::uint64_t k) const override;
+    bool short_leaf(BinarySplitting::CommonP2B3::ShortTerm& term, std::uint64_t k) const override;
 };
 
 class PiRamanujanSeries final : public BinarySplitting::FactorialSeries {
@@ -23,6 +24,7 @@ public:
     explicit PiRamanujanSeries(std::size_t precision_words);
     void leaf(BinarySplitting::LeafInt& P, BinarySplitting::LeafInt& Q, BinarySplitting::LeafInt& R,
               std::uint64_t k) const override;
+    bool short_leaf(BinarySplitting::CommonP2B3::ShortTerm& term, std::uint64_t k) const override;
 };
 
 } // namespace zvp

@@ -31,6 +31,13 @@ struct Limbs {
         L = (A.L + 1) / 2;
     }
 
+    /// Copies n limbs, fewer the zeros on top.
+    void take(const std::uint64_t* A, std::size_t n) {
+        std::copy(A, A + n, T);
+        while (n > 0 && A[n - 1] == 0) --n;
+        L = n;
+    }
+
     std::size_t word_count() const { return 2 * L - (L > 0 && T[L - 1] >> 32 == 0); }
 
     /// The storage from limb `skipped` on.
@@ -74,8 +81,9 @@ struct Limbs {
 struct Residues {
     std::uint64_t P = 0, Q = 1, R = 1;
 
+    /// p and q are below 2^63, and none of the three need be reduced.
     void append(std::uint64_t p, std::uint64_t q, std::uint64_t r) {
-        // Products of reduced residues are below 2^122: their sum doesn't overflow.
+        // P and R are reduced: the sum of the products is below 2^125.
         P = reduce_hash(HashProduct{P} * q + HashProduct{R} * p);
         Q = mul_mod(Q, q);
         R = mul_mod(R, r);
@@ -83,14 +91,17 @@ struct Residues {
 };
 
 class Leaf {
+    static constexpr std::uint64_t short_terms = 4; // that a ShortRange is made of
+
 public:
     Leaf(const BasicIntSeries& series_, std::uint64_t first_) : series(series_), first(first_) {}
 
     /// While the halves are made, their P, Q and R lie in scratch0, R and scratch1, the right half's behind the left
     /// half's.
     void run(Limbs& P, Limbs& Q, Limbs& R, Limbs& scratch0, Limbs& scratch1, std::uint64_t a, std::uint64_t b) {
+        if (b - a <= short_terms && run_short(P, Q, R, a, b)) return;
         if (b - a == 1) return run_term(P, Q, R, b);
-        const std::uint64_t m = a + (b - a) / 2;
+        const std::uint64_t m = middle(a, b);
         Limbs left_P = scratch0, left_Q = R, left_R = scratch1;
         run(left_P, left_Q, left_R, P, Q, a, m);
         const std::size_t longest = std::max({left_P.L, left_Q.L, left_R.L});
@@ -112,14 +123,49 @@ public:
 private:
     bool same_sign(std::uint64_t a, std::uint64_t b) const { return !series.alternating || (a ^ b) % 2 == 0; }
 
+    /// Whole groups of short terms, as equal as they may be.
+    static std::uint64_t middle(std::uint64_t a, std::uint64_t b) {
+        const std::uint64_t half = (b - a + 1) / 2;
+        return b - a <= short_terms ? a + half : a + (half + short_terms / 2) / short_terms * short_terms;
+    }
+
+    /// False when a term isn't short, or when the storage could be too small for the terms' numbers.
+    bool run_short(Limbs& P, Limbs& Q, Limbs& R, std::uint64_t a, std::uint64_t b) {
+        if (std::min({P.capacity, Q.capacity, 2 * R.capacity}) < 2 * short_terms) return false;
+        ShortTerm terms[short_terms];
+        for (std::uint64_t k = a; k < b; ++k)
+            if (!series.short_leaf(terms[k - a], k + 1)) return false;
+        for (std::uint64_t k = a; k < b; ++k) append(terms[k - a], k + 1);
+
+        const std::uint64_t n = b - a;
+        if (n == 1) return take(P, Q, R, terms[0]);
+        const auto left = merge_short(terms[0], terms[1], !series.alternating);
+        if (n == 2) return take(P, Q, R, left);
+        const auto right = merge_short(terms[2], n == 3 ? no_terms : terms[3], !series.alternating);
+        return take(P, Q, R, merge_short(left, right, true));
+    }
+
+    void append(const ShortTerm& term, std::uint64_t k) {
+        const auto residue = [](const std::uint64_t* A) { return append_limb(fold_hash(A[1]), A[0]); };
+        const std::uint64_t p = residue(term.P);
+        residues.append(same_sign(first, k) ? p : 3 * hash_modulus - p, residue(term.Q), term.R[0]);
+    }
+
+    template <std::size_t n>
+    static bool take(Limbs& P, Limbs& Q, Limbs& R, const ShortRange<n>& range) {
+        P.take(range.P, 2 * n);
+        Q.take(range.Q, 2 * n);
+        R.take(range.R, n);
+        return true;
+    }
+
     void run_term(Limbs& P, Limbs& Q, Limbs& R, std::uint64_t k) {
         LeafInt p = P.words(), q = Q.words(), r = R.words();
         series.leaf(p, q, r, k);
         P.take(p);
         Q.take(q);
         R.take(r);
-        residues.append(same_sign(first, k) ? normalize_hash(p.hash) : hash_negate(p.hash), normalize_hash(q.hash),
-                        normalize_hash(r.hash));
+        residues.append(same_sign(first, k) ? p.hash : hash_negate(p.hash), q.hash, r.hash);
     }
 
     const MULB::ProductKernels& kernels = MULB::active_product_kernels();

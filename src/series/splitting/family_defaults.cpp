@@ -22,6 +22,8 @@ void CommonP2B3::Series::BSR_E(const MultiplyParameters&, ExactNumber&, ExactNum
 
 void CommonP2B3::BasicIntSeries::leaf(LeafInt&, LeafInt&, LeafInt&, std::uint64_t) const { throw_missing("BSR_End()"); }
 
+bool CommonP2B3::BasicIntSeries::short_leaf(ShortTerm&, std::uint64_t) const { return false; }
+
 void Hyperdescent::Series::BSR_E(const MultiplyParameters&, ExactNumber&, ExactNumber&, std::uint64_t,
                                  std::uint64_t) const {
     throw_missing("BSR_E()");

@@ -43,9 +43,10 @@ void expect_sums(const Series& series, std::initializer_list<Range> ranges, std:
 TEST(ExactSplitting, CommonP2B3) {
     for (const bool alternating : {true, false})
         for (const std::uint32_t leaf_terms : {2U, 3U, 41U})
-            expect_sums<bs::CommonP2B3::Family>(
-                CubicSeries(alternating, leaf_terms),
-                {{0, 1}, {4, 5}, {0, 40}, {0, 41}, {7, 90}, {0, 100}, {0, 101}, {33, 1032}, {1, 1001}, {5000, 9001}});
+            for (const std::uint64_t short_terms : {0U, 66U, 100'000U})
+                expect_sums<bs::CommonP2B3::Family>(
+                    CubicSeries(alternating, leaf_terms, 100'000, short_terms),
+                    {{0, 1}, {4, 5}, {0, 40}, {0, 41}, {7, 90}, {0, 100}, {33, 1032}, {5000, 7001}});
 }
 
 TEST(ExactSplitting, CommonP2B3OfRoughTerms) {

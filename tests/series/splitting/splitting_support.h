@@ -77,7 +77,9 @@ inline mpz_class integer_of(std::uint64_t k) { return mpz_class(static_cast<unsi
 /// A Chudnovsky-like series: leaves by the recursion over short integers.
 class CubicSeries final : public FactorialSized<bs::CommonP2B3::BasicIntSeries> {
 public:
-    explicit CubicSeries(bool alternating_, std::uint32_t leaf_terms_ = 41, std::uint64_t terms = 100'000) {
+    explicit CubicSeries(bool alternating_, std::uint32_t leaf_terms_ = 41, std::uint64_t terms = 100'000,
+                         std::uint64_t short_terms = 0)
+        : short_end(short_terms) {
         N = terms;
         leaf_terms = leaf_terms_;
         split_slack = 8;
@@ -103,6 +105,18 @@ public:
         set_leaf(Q, t.Q);
         set_leaf(R, t.R);
     }
+
+    bool short_leaf(bs::CommonP2B3::ShortTerm& limbs, std::uint64_t k) const override {
+        if (k > short_end) return false;
+        const Term t = term(k);
+        limbs = {};
+        mpz_export(limbs.P, nullptr, -1, 8, 0, 0, t.P.get_mpz_t());
+        mpz_export(limbs.Q, nullptr, -1, 8, 0, 0, t.Q.get_mpz_t());
+        mpz_export(limbs.R, nullptr, -1, 8, 0, 0, t.R.get_mpz_t());
+        return true;
+    }
+
+    const std::uint64_t short_end; // the last term that is given in limbs
 };
 
 /// A slowly converging one with signs that follow no rule and leaves of single terms that are set as a whole; some terms
