@@ -5,11 +5,14 @@
 #include "multiply/contract/multiply_tables.h"
 #include "multiply/fft/fft.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace zvp {
 
 namespace {
+
+const std::byte* as_bytes(const c32i* A) { return reinterpret_cast<const std::byte*>(A); }
 
 /// T = words s .. e - 1 of those at M.
 void copy_range(c32i* T, const std::byte* M, std::size_t s, std::size_t e) {
@@ -28,43 +31,44 @@ FFTTransform::FFTTransform(std::uint64_t bits) : length(fft_length(bits)) {
 void FFTTransform::forward(const MultiplyParameters& pars, std::byte* M, std::byte* X, const c32i* A,
                            std::size_t AL) const {
     check_capacity(AL);
-    fft_forward(pars.tables->get<FftTables>(), length, M, X, reinterpret_cast<const std::byte*>(A), AL * sizeof *A);
+    fft_forward(pars.tables->get<FftTables>(), length, M, X, as_bytes(A), AL * sizeof *A);
 }
 
 void FFTTransform::inverse_fsqr(const MultiplyParameters& pars, std::byte* M, std::byte* Xd, std::byte* Xs, c32i* T,
                                 std::size_t s, std::size_t e) const {
     check_capacity(e);
-    multiply(pars, M, Xd, Xs, Xs);
+    fft_product(pars.tables->get<FftTables>(), length, M, Xd, Xs, Xs);
     copy_range(T, M, s, e);
 }
 
 void FFTTransform::inverse_fmul(const MultiplyParameters& pars, std::byte* M, std::byte* Xa, const std::byte* Xb,
                                 c32i* T, std::size_t s, std::size_t e) const {
     check_capacity(e);
-    multiply(pars, M, Xa, Xa, Xb);
+    fft_product(pars.tables->get<FftTables>(), length, M, Xa, Xa, Xb);
     copy_range(T, M, s, e);
 }
 
 void FFTTransform::forward_fsqr(const MultiplyParameters& pars, std::byte* M, std::byte* X, const c32i* A,
                                 std::size_t AL, c32i* T, std::size_t s, std::size_t e) const {
-    if (!is_checked(2 * std::uint64_t{AL})) return Transform::forward_fsqr(pars, M, X, A, AL, T, s, e);
+    check_capacity(AL);
     check_capacity(e);
-    forward(pars, M, X, A, AL);
-    const std::uint64_t a = hash_words(0, A, AL), hash = mul_mod(a, a);
-    multiply(pars, M, X, X, X, &hash);
+    const int top = fft_square(pars.tables->get<FftTables>(), length, M, X, as_bytes(A), AL * sizeof *A);
+    if (is_checked(2 * std::uint64_t{AL})) {
+        const std::uint64_t a = hash_words(0, A, AL);
+        check(M, top, mul_mod(a, a));
+    }
     copy_range(T, M, s, e);
 }
 
 void FFTTransform::forward_fmul(const MultiplyParameters& pars, std::byte* M, std::byte* Xa, const c32i* A,
                                 std::size_t AL, std::byte* Xb, const c32i* B, std::size_t BL, c32i* T, std::size_t s,
                                 std::size_t e) const {
-    if (!B || !is_checked(std::uint64_t{AL} + BL))
-        return Transform::forward_fmul(pars, M, Xa, A, AL, Xb, B, BL, T, s, e);
+    if (!B) return Transform::forward_fmul(pars, M, Xa, A, AL, Xb, B, BL, T, s, e);
+    check_capacity(std::max(AL, BL));
     check_capacity(e);
-    forward(pars, M, Xb, B, BL);
-    forward(pars, M, Xa, A, AL);
-    const std::uint64_t hash = mul_mod(hash_words(0, A, AL), hash_words(0, B, BL));
-    multiply(pars, M, Xa, Xa, Xb, &hash);
+    const int top = fft_multiply(pars.tables->get<FftTables>(), length, M, Xa, as_bytes(A), AL * sizeof *A, Xb,
+                                 as_bytes(B), BL * sizeof *B);
+    if (is_checked(std::uint64_t{AL} + BL)) check(M, top, mul_mod(hash_words(0, A, AL), hash_words(0, B, BL)));
     copy_range(T, M, s, e);
 }
 
@@ -82,12 +86,9 @@ bool FFTTransform::is_checked(std::uint64_t product_words) const {
     return bits >= least_checked_bits && bits <= capacity_bits;
 }
 
-void FFTTransform::multiply(const MultiplyParameters& pars, std::byte* M, std::byte* Xd, const std::byte* Xa,
-                            const std::byte* Xb, const std::uint64_t* hash) const {
-    const int top = fft_product(pars.tables->get<FftTables>(), length, M, Xd, Xa, Xb);
-    if (!hash) return;
+void FFTTransform::check(const std::byte* M, int top, std::uint64_t hash) const {
     const auto* words = reinterpret_cast<const c32i*>(M);
-    if (top != 0 || hash_words(0, words, capacity_bits / word_bits<c32i>) != *hash)
+    if (top != 0 || hash_words(0, words, capacity_bits / word_bits<c32i>) != hash)
         throw ConvolutionFailedException("FFTTransform::multiply()", "Modular redundancy check failed.");
 }
 

@@ -44,9 +44,8 @@ public:
 private:
     bool is_checked(std::uint64_t product_words) const;
 
-    /// M = the product. If `hash` is given, it must have that hash.
-    void multiply(const MultiplyParameters& pars, std::byte* M, std::byte* Xd, const std::byte* Xa, const std::byte* Xb,
-                  const std::uint64_t* hash = nullptr) const;
+    /// Throws unless the product at M, without a top word, has that hash.
+    void check(const std::byte* M, int top, std::uint64_t hash) const;
 
     FftLength length;
 };

@@ -53,10 +53,18 @@ void fft_forward(const FftTables& tables, const FftLength& length, std::byte* M,
 int fft_product(const FftTables& tables, const FftLength& length, std::byte* M, std::byte* Xd, const std::byte* Xa,
                 const std::byte* Xb);
 
+/// fft_forward() of A and of B and fft_product(), in less time: M = their product, Xb = the form of B, Xa is working
+/// memory. fft_square() is that of A and A.
+int fft_multiply(const FftTables& tables, const FftLength& length, std::byte* M, std::byte* Xa, const std::byte* A,
+                 std::size_t a_bytes, std::byte* Xb, const std::byte* B, std::size_t b_bytes);
+int fft_square(const FftTables& tables, const FftLength& length, std::byte* M, std::byte* X, const std::byte* A,
+               std::size_t bytes);
+
 /// A = A * B, or A * A, modulo 2^N + 1, N = 32 n, the capacity of `length`; returns the top word: 1 when the result is
-/// 2^N, with all n words zero. A, B: n words, aligned to 8 bytes. M: fft_scratch_bytes() and behind them two, or one,
-/// transforms.
-int ring_mul(const FftTables& tables, const FftLength& length, std::uint32_t* A, const std::uint32_t* B, std::byte* M);
-int ring_sqr(const FftTables& tables, const FftLength& length, std::uint32_t* A, std::byte* M);
+/// 2^N, with all n words zero. A, B: n words, aligned to 4 bytes. M: fft_scratch_bytes() and behind them two, or one,
+/// transforms. Operands that are `open` may be read a byte before and 32 bytes behind their words: that spares a copy.
+int ring_mul(const FftTables& tables, const FftLength& length, std::uint32_t* A, const std::uint32_t* B, std::byte* M,
+             bool open = false);
+int ring_sqr(const FftTables& tables, const FftLength& length, std::uint32_t* A, std::byte* M, bool open = false);
 
 } // namespace zvp

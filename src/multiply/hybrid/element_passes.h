@@ -36,7 +36,9 @@ void inverse_levels(const HybridJob& job, const ElementSet& set, TaskScratch scr
 void multiply_by_root(const HybridJob& job, RingWord* out, const RingWord* x, std::uint64_t e, RingWord* spare);
 
 /// xd := xa * xb in the ring, canonical result. Any of them may be the same. xa, xb: elements of forms, with residues in
-/// their top words (coefficient_residues.h).
-void ring_product(const HybridJob& job, RingWord* xd, const RingWord* xa, const RingWord* xb, TaskScratch scratch);
+/// their top words (coefficient_residues.h). `inner` elements have others of their array before and behind them, which
+/// nobody else writes.
+void ring_product(const HybridJob& job, RingWord* xd, const RingWord* xa, const RingWord* xb, TaskScratch scratch,
+                  bool inner);
 
 } // namespace zvp

@@ -63,8 +63,9 @@ void product_block(const HybridJob& job, RingWord* Xd, const RingWord* Xa, const
                    TaskScratch scratch) {
     const std::size_t stride = job.size.stride;
     if (is_small(job, k)) {
-        for (std::uint64_t i = 0; i < std::uint64_t{1} << k; ++i)
-            ring_product(job, Xd + i * stride, Xa + i * stride, Xb + i * stride, scratch);
+        const std::uint64_t last = (std::uint64_t{1} << k) - 1;
+        for (std::uint64_t i = 0; i <= last; ++i)
+            ring_product(job, Xd + i * stride, Xa + i * stride, Xb + i * stride, scratch, i > 0 && i < last);
         return inverse_levels(job, {Xd, stride, k, 0, 1}, scratch);
     }
     const Split split = split_of(job, k);

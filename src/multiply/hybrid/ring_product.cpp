@@ -43,13 +43,14 @@ void karatsuba_product(const HybridSize& size, RingWord* xd, const RingWord* xa,
 
 } // namespace
 
-void ring_product(const HybridJob& job, RingWord* xd, const RingWord* xa, const RingWord* xb, TaskScratch scratch) {
+void ring_product(const HybridJob& job, RingWord* xd, const RingWord* xa, const RingWord* xb, TaskScratch scratch,
+                  bool inner) {
     const HybridSize& size = job.size;
     if (is_minus_one(xa[size.n]) || is_minus_one(xb[size.n])) return product_with_minus_one(job, xd, xa, xb, scratch.M);
     if (size.n < least_fft_ring) return karatsuba_product(size, xd, xa, xb, scratch.M, job.kernels);
     if (xd != xa) std::memcpy(xd, xa, 4 * size.n);
-    xd[size.n] = static_cast<RingWord>(xa == xb ? ring_sqr(job.tables, size.ring, xd, scratch.M)
-                                                : ring_mul(job.tables, size.ring, xd, xb, scratch.M));
+    xd[size.n] = static_cast<RingWord>(xa == xb ? ring_sqr(job.tables, size.ring, xd, scratch.M, inner)
+                                                : ring_mul(job.tables, size.ring, xd, xb, scratch.M, inner));
 }
 
 } // namespace zvp

@@ -117,6 +117,13 @@ Doubles top_correction(const FftJob& job, const std::byte* bits) {
     return Doubles::load(lane);
 }
 
+/// What takes back the top bit of the byte below the operand, which isn't part of it, from the lowest digit.
+inline Doubles bottom_correction(const std::byte* bits) {
+    alignas(64) double lane[V] = {};
+    lane[0] = (bits[-1] & std::byte{0x80}) != std::byte{0} ? -1 : 0;
+    return Doubles::load(lane);
+}
+
 ZVP_KERNEL_INLINE void add_to_top(Real& p, Doubles correction) { p.re = p.re + correction; }
 ZVP_KERNEL_INLINE void add_to_top(Complex& p, Doubles correction) { p.im = p.im + correction; }
 
@@ -130,6 +137,7 @@ void front_pass(const FftJob& job, double* x, const std::byte* bits) {
         Point p[R][8 / V];
         for (std::size_t t = 0; t < R; ++t)
             PointStream<Point>(bits, half).read(fields, (t * part / 8 + group) * job.bits_per_point, p[t]);
+        if (group == 0) p[0][0].re = p[0][0].re + bottom_correction(bits);
         if (group == part / 8 - 1) add_to_top(p[R - 1][8 / V - 1], top_correction<Point>(job, bits));
         for (std::size_t h = 0; h < 8 / V; ++h) {
             Point in[R];

@@ -57,30 +57,61 @@ struct BaseRoots {
     }
 };
 
-template <bool Short>
-ZVP_KERNEL_INLINE void forward_base(double* x, const BaseRoots<Short>& roots) {
-    Complex a[V], root[V / 2];
+ZVP_KERNEL_INLINE void load_base(Complex (&a)[V], const double* x) {
     for (std::size_t t = 0; t < V; ++t) a[t] = Complex::load(x + t * complex_doubles);
+}
+ZVP_KERNEL_INLINE void store_base(const Complex (&a)[V], double* x) {
+    for (std::size_t t = 0; t < V; ++t) a[t].store(x + t * complex_doubles);
+}
+
+template <bool Short>
+ZVP_KERNEL_INLINE void divide_base(Complex (&a)[V], const BaseRoots<Short>& roots) {
+    Complex root[V / 2];
     roots.own(root);
     divide_all(a, root);
     transpose(a);
     roots.of_lanes(root);
     divide_all(a, root);
-    for (std::size_t t = 0; t < V; ++t) a[t].store(x + t * complex_doubles);
+}
+
+template <bool Short>
+ZVP_KERNEL_INLINE void join_base(Complex (&a)[V], const BaseRoots<Short>& roots) {
+    Complex root[V / 2];
+    roots.of_lanes(root);
+    join_all(a, root);
+    transpose(a);
+    roots.own(root);
+    join_all(a, root);
+}
+
+template <bool Short>
+ZVP_KERNEL_INLINE void forward_base(double* x, const BaseRoots<Short>& roots) {
+    Complex a[V];
+    load_base(a, x);
+    divide_base(a, roots);
+    store_base(a, x);
 }
 
 /// Xd = inverse of Xa * Xb, on one base. Any of them may be the same.
 template <bool Short>
 ZVP_KERNEL_INLINE void product_base(double* xd, const double* xa, const double* xb, const BaseRoots<Short>& roots) {
-    Complex a[V], root[V / 2];
+    Complex a[V];
     for (std::size_t t = 0; t < V; ++t)
         a[t] = Complex::load(xa + t * complex_doubles) * Complex::load(xb + t * complex_doubles);
-    roots.of_lanes(root);
-    join_all(a, root);
-    transpose(a);
-    roots.own(root);
-    join_all(a, root);
-    for (std::size_t t = 0; t < V; ++t) a[t].store(xd + t * complex_doubles);
+    join_base(a, roots);
+    store_base(a, xd);
+}
+
+/// Xb = its forward form, Xa = inverse of Xa * Xb, on one base. Square: Xb is Xa.
+template <bool Short, bool Square>
+ZVP_KERNEL_INLINE void multiply_base(double* xa, double* xb, const BaseRoots<Short>& roots) {
+    if constexpr (!Square) forward_base(xb, roots);
+    Complex a[V];
+    load_base(a, xa);
+    divide_base(a, roots);
+    for (std::size_t t = 0; t < V; ++t) a[t] = a[t] * (Square ? a[t] : Complex::load(xb + t * complex_doubles));
+    join_base(a, roots);
+    store_base(a, xa);
 }
 
 template <class... Arguments>
@@ -128,6 +159,24 @@ void product_block(const FftJob& job, double* xd, const double* xa, const double
     inverse_pass_of(step, xd, stride, job.roots.passes[level] + 8 * node);
 }
 
+/// Both of these: Xb = its forward form, Xa = inverse of Xa * Xb. What a node needs of points and roots comes from the
+/// outer caches once in place of three times.
+template <bool Short, bool Square>
+void multiply_block(const FftJob& job, double* xa, double* xb, unsigned level, std::size_t node) {
+    const unsigned left = job.levels - level;
+    if (left == 0) return multiply_base<Short, Square>(xa, xb, {job, node});
+    const unsigned step = pass_levels(left);
+    const std::size_t radix = std::size_t{1} << step, stride = V << (left - step);
+    const double* const roots = job.roots.passes[level] + 8 * node;
+    forward_pass_of(step, xa, stride, roots);
+    if constexpr (!Square) forward_pass_of(step, xb, stride, roots);
+    for (std::size_t c = 0; c < radix; ++c) {
+        const std::size_t offset = c * stride * complex_doubles;
+        multiply_block<Short, Square>(job, xa + offset, xb + offset, level + step, node * radix + c);
+    }
+    inverse_pass_of(step, xa, stride, roots);
+}
+
 void forward_blocks(const FftJob& job, double* x, unsigned level, std::size_t node) {
     if (job.roots.short_bases) return forward_block<true>(job, x, level, node);
     forward_block<false>(job, x, level, node);
@@ -137,4 +186,14 @@ void product_blocks(const FftJob& job, double* xd, const double* xa, const doubl
                     std::size_t node) {
     if (job.roots.short_bases) return product_block<true>(job, xd, xa, xb, level, node);
     product_block<false>(job, xd, xa, xb, level, node);
+}
+
+void multiply_blocks(const FftJob& job, double* xa, double* xb, unsigned level, std::size_t node) {
+    const bool square = xa == xb;
+    if (job.roots.short_bases) {
+        if (square) return multiply_block<true, true>(job, xa, xb, level, node);
+        return multiply_block<true, false>(job, xa, xb, level, node);
+    }
+    if (square) return multiply_block<false, true>(job, xa, xb, level, node);
+    multiply_block<false, false>(job, xa, xb, level, node);
 }

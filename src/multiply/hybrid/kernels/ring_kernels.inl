@@ -250,29 +250,47 @@ ZVP_KERNEL_INLINE Block turned(Block a, int bits) {
     return plus(masked(left(a, bits), (Limb{1} << sum_bits) - 1), right(a, sum_bits - bits));
 }
 
-/// Horner's rule over rows of blocks from the top, a chain for each block of a row: limbs weigh 2^(64 i), which is
-/// 2^(2 i). What is less than a block goes word by word.
+constexpr std::size_t residue_width = 2 * Block::limbs; // words
+constexpr std::size_t residue_period = 31;              // blocks: limbs weigh 2^(64 i), which is 2^(2 i)
+
+/// The sums of the blocks at [first, first + Group) of each period, with 2^32 = 2, to `sums`. Words are summed as they
+/// stand: 2^30 of them fit.
+template <std::size_t Group>
+ZVP_KERNEL_INLINE void sum_periods(const RingWord* x, std::size_t first, std::size_t blocks, Block* sums) {
+    Block low[Group], high[Group];
+    for (std::size_t j = 0; j < Group; ++j) low[j] = high[j] = Block::zero();
+    const auto add = [&](std::size_t i, std::size_t j) {
+        const Block block = Block::load(x + (i + j) * residue_width);
+        low[j] = plus(low[j], masked(block, 0xFFFF'FFFF));
+        high[j] = plus(high[j], right(block, 32));
+    };
+    std::size_t i = first;
+    for (; i + Group <= blocks; i += residue_period)
+        for (std::size_t j = 0; j < Group; ++j) add(i, j);
+    for (std::size_t j = 0; j < Group; ++j)
+        if (i + j < blocks) add(i, j);
+    for (std::size_t j = 0; j < Group; ++j) sums[first + j] = plus(low[j], left(high[j], 1));
+}
+
+/// Blocks of equal weight are summed, then Horner's rule goes over the period from its top. What is less than a block goes
+/// word by word.
 std::uint32_t residue(const RingWord* x, std::size_t words) {
-    constexpr std::size_t width = 2 * Block::limbs, chains = Block::limbs / 2;
-    constexpr int step = 2 * Block::limbs, row_step = step * chains % sum_bits;
-    const std::size_t blocks = words / width, rows = blocks / chains;
-    Block sums[chains];
-    for (std::size_t j = 0; j < chains; ++j) {
-        const std::size_t i = rows * chains + j;
-        sums[j] = i < blocks ? folded(Block::load(x + i * width)) : Block::zero();
-    }
-    for (std::size_t i = rows * chains; i > 0; i -= chains)
-        for (std::size_t j = 0; j < chains; ++j)
-            sums[j] = plus(turned(sums[j], row_step), folded(Block::load(x + (i - chains + j) * width)));
-    Block total = Block::zero();
-    for (std::size_t j = chains; j-- > 0;) total = plus(turned(total, step), folded(sums[j]));
-    RingWord lanes[width];
+    constexpr int step = 2 * Block::limbs;
+    const std::size_t blocks = words / residue_width;
+    constexpr std::size_t group = Block::limbs, last_group = residue_period % group;
+    Block sums[residue_period], total = Block::zero();
+    std::size_t first = 0;
+    for (; first + group <= residue_period && first < blocks; first += group)
+        sum_periods<group>(x, first, blocks, sums);
+    if (first < blocks) sum_periods<last_group>(x, residue_period - last_group, blocks, sums);
+    for (std::size_t j = std::min(blocks, residue_period); j-- > 0;) total = plus(turned(total, step), sums[j]);
+    RingWord lanes[residue_width];
     total.store(lanes);
     std::uint64_t sum = 0, rest = 0;
     for (std::size_t i = 0; i < Block::limbs; ++i)
         sum += std::uint64_t{reduce_residue(OneLimb::load(lanes + 2 * i).v)} << 2 * i;
-    for (std::size_t i = words; i > blocks * width; --i) rest = 2 * rest + x[i - 1];
-    return add_residues(reduce_residue(sum), shift_residue(reduce_residue(rest), blocks * width));
+    for (std::size_t i = words; i > blocks * residue_width; --i) rest = 2 * rest + x[i - 1];
+    return add_residues(reduce_residue(sum), shift_residue(reduce_residue(rest), blocks * residue_width));
 }
 
 constexpr RingKernels kernels{&butterfly, &forward4, &load4, &inverse4, &rotate, &subtract, &normalize, &residue};
