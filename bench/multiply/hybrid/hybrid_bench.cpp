@@ -6,7 +6,7 @@
 #include "multiply/hybrid/hybrid_transform.h"
 #include "parallel/tasks/framework_config.h"
 #include "platform/clock.h"
-#include "platform/memory.h"
+#include "support/large_block.h"
 
 #include <gmp.h>
 
@@ -21,26 +21,6 @@
 namespace {
 
 using namespace zvp;
-
-/// Touched memory in large pages where the system has them, as a computation's is.
-class Block {
-public:
-    explicit Block(std::size_t bytes)
-        : mapping(system.map(bytes, system.page_size(), platform::PageKind::large_transparent)) {
-        if (!mapping.base) mapping = system.map(bytes, system.page_size(), platform::PageKind::small);
-        if (!mapping.base) std::abort();
-        std::memset(mapping.data, 0, bytes);
-    }
-    ~Block() { system.release(mapping); }
-    Block(const Block&) = delete;
-    Block& operator=(const Block&) = delete;
-
-    std::byte* get() const { return mapping.data; }
-
-private:
-    platform::MemorySystem& system = platform::memory_system();
-    platform::Mapping mapping;
-};
 
 template <class Call>
 double seconds_of(Call&& call) {
@@ -67,14 +47,14 @@ class Bench {
 public:
     explicit Bench(std::uint64_t most_bits) : pool(make_framework_config("pushpool")->make_framework()) {
         algorithm.ensure_tables(tables, most_bits / 64);
-        table_memory = std::make_unique<Block>(tables.bytes());
+        table_memory = std::make_unique<LargeBlock>(tables.bytes());
         tables.place(table_memory->get());
     }
 
     std::uint64_t bytes(std::size_t limbs, std::uint32_t tds) const { return algorithm.total(limbs, tds); }
 
     /// Seconds of one product, with M as its memory.
-    double product(const Block& M, Limbs& C, const Limbs& A, const Limbs& B, std::uint32_t tds) {
+    double product(const LargeBlock& M, Limbs& C, const Limbs& A, const Limbs& B, std::uint32_t tds) {
         const MultiplyParameters pars{{tds, pool.get()}, nullptr, &tables, M.get(), bytes(A.size() + B.size(), tds)};
         return seconds_of(
             [&] { algorithm.mul(pars, C.data(), 0, A.size() + B.size(), A.data(), A.size(), B.data(), B.size()); });
@@ -84,7 +64,7 @@ private:
     const MultiplyAlgorithm<c64i>& algorithm = hnt_algorithm<c64i>();
     std::unique_ptr<ParallelFramework> pool;
     MultiplyTables tables;
-    std::unique_ptr<Block> table_memory;
+    std::unique_ptr<LargeBlock> table_memory;
 };
 
 /// In each round GMP, one thread and two, one after the other: the ratios are those of neighbours in time.
@@ -95,7 +75,7 @@ void compare_with_gmp(Bench& bench, unsigned most) {
         const std::size_t limbs = std::size_t{1} << (log_bits - 7);
         const Limbs A = random_limbs(random, limbs), B = random_limbs(random, limbs);
         Limbs C(2 * limbs), D(2 * limbs);
-        const Block M(std::max(bench.bytes(2 * limbs, 1), bench.bytes(2 * limbs, 2)));
+        const LargeBlock M(std::max(bench.bytes(2 * limbs, 1), bench.bytes(2 * limbs, 2)));
         const int rounds = log_bits < 26 ? 41 : log_bits < 28 ? 15 : 5;
         std::vector<double> gmp, one, two, times_one, times_two, scaling;
         for (int i = 0; i < rounds; ++i) {
@@ -122,7 +102,7 @@ void check_smoothness(Bench& bench) {
     Limbs C(lengths.back() + 1);
     std::uint64_t bytes = 0;
     for (const std::size_t length : lengths) bytes = std::max(bytes, bench.bytes(length, 1));
-    const Block M(bytes);
+    const LargeBlock M(bytes);
     std::vector<double> seconds(lengths.size(), 1e9);
     for (int round = 0; round < 9; ++round)
         for (std::size_t i = 0; i < lengths.size(); ++i) {

@@ -7,6 +7,7 @@
 // neighbours disturb little; minima of several rounds.
 
 #include "multiply/hybrid/element_passes.h"
+#include "support/large_block.h"
 
 #include <ctime>
 
@@ -33,18 +34,6 @@ double thread_seconds() {
     return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-struct Free {
-    void operator()(std::byte* p) const { std::free(p); }
-};
-using Block = std::unique_ptr<std::byte, Free>;
-
-Block make_block(std::uint64_t bytes) {
-    const std::uint64_t padded = (bytes + 4095) / 4096 * 4096;
-    Block block(static_cast<std::byte*>(std::aligned_alloc(4096, padded)));
-    std::memset(block.get(), 0x35, padded);
-    return block;
-}
-
 /// The least time of a call, from rounds of about a millisecond: the clock itself takes a third of a microsecond.
 template <class Call>
 double least(Call&& call) {
@@ -68,8 +57,7 @@ struct Parts {
 /// The parts of a transform of rings of n words, on as many elements as a column pass holds.
 Parts measure_parts(const FftTables& tables, std::size_t n) {
     const HybridSize size({6, static_cast<std::uint16_t>(2 * n)}, 1); // 2^6 points: n = m * 2^6 / 2^7
-    const Block M = make_block(std::max<std::uint64_t>(size.scratch_bytes, 16 * size.stride)),
-                X = make_block(size.transform_bytes);
+    const LargeBlock M(std::max<std::uint64_t>(size.scratch_bytes, 16 * size.stride)), X(size.transform_bytes);
     const HybridJob job{size, ring_kernels(tables.kernel_set()), tables, {}, M.get()};
     auto* const x = reinterpret_cast<RingWord*>(X.get());
     const TaskScratch scratch{M.get()};
@@ -103,8 +91,8 @@ class Model {
 public:
     Model() : tables(platform::active_kernel_set()) {
         tables.ensure_rings(32 * most_ring_words);
-        memory = make_block(tables.bytes());
-        tables.place(memory.get());
+        memory = std::make_unique<LargeBlock>(tables.bytes());
+        tables.place(memory->get());
         for (const std::size_t n : {32, 64, 128, 256, 512, 1024, 2048, 4096, 8192, 16384, 20480})
             parts[n] = measure_parts(tables, n);
         for (const FftLength& ring : fft_ring_lengths()) {
@@ -129,19 +117,18 @@ private:
     double measure_product(const FftLength& ring) {
         const std::size_t n = ring.capacity_bits() / 32;
         const HybridSize size({7, static_cast<std::uint16_t>(n)}, 1);
-        const Block M = make_block(size.scratch_bytes), X = make_block(4 * size.stride),
-                    Y = make_block(4 * size.stride);
-        auto *const x = reinterpret_cast<RingWord*>(X.get()), *const y = reinterpret_cast<RingWord*>(Y.get());
+        const LargeBlock M(size.scratch_bytes), elements(8 * size.stride);
+        auto *const x = reinterpret_cast<RingWord*>(elements.get()), *const y = x + size.stride;
         const HybridJob job{size, ring_kernels(tables.kernel_set()), tables, {}, M.get()};
         x[n] = y[n] = 0;
         return least([&] {
             x[n] = 0;
-            ring_product(job, x, x, y, {M.get()});
+            ring_product(job, x, x, y, {M.get()}, false);
         });
     }
 
     FftTables tables;
-    Block memory;
+    std::unique_ptr<LargeBlock> memory;
     std::map<std::size_t, Parts> parts;
     std::map<std::size_t, double> products;
 };

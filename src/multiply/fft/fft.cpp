@@ -82,10 +82,8 @@ void ring_first_pass(const Transform& t, std::byte* M, std::byte* X, const std::
     t.kernels.first_pass(t.job, as_doubles(X), bits, false);
 }
 
-int ring_product(const Transform& t, std::uint32_t* A, std::byte* M, std::byte* Xa, std::byte* Xb, std::size_t bytes) {
-    const int top = t.kernels.multiply(t.job, as_doubles(Xa), as_doubles(Xb), M);
-    std::memcpy(A, M, bytes);
-    return top;
+int ring_product(const Transform& t, std::uint32_t* A, std::byte* Xa, std::byte* Xb) {
+    return t.kernels.multiply(t.job, as_doubles(Xa), as_doubles(Xb), reinterpret_cast<std::byte*>(A));
 }
 
 } // namespace
@@ -98,7 +96,7 @@ int ring_mul(const FftTables& tables, const FftLength& length, std::uint32_t* A,
     std::byte* const Xb = Xa + fft_transform_bytes(length);
     ring_first_pass(t, M, Xa, A, bytes, open);
     ring_first_pass(t, M, Xb, B, bytes, open);
-    return ring_product(t, A, M, Xa, Xb, bytes);
+    return ring_product(t, A, Xa, Xb);
 }
 
 int ring_sqr(const FftTables& tables, const FftLength& length, std::uint32_t* A, std::byte* M, bool open) {
@@ -106,7 +104,7 @@ int ring_sqr(const FftTables& tables, const FftLength& length, std::uint32_t* A,
     const std::size_t bytes = length.capacity_bits() / 8;
     std::byte* const X = M + fft_scratch_bytes(length);
     ring_first_pass(t, M, X, A, bytes, open);
-    return ring_product(t, A, M, X, X, bytes);
+    return ring_product(t, A, X, X);
 }
 
 } // namespace zvp

@@ -39,17 +39,24 @@ void turn_quad(const HybridJob& job, const Quad& quad, std::uint64_t e, const Te
     for (int i = 0; i < 3; ++i) multiply_by_root(job, quad.x[i + 1], z[i], exponents[i], z[3]);
 }
 
+/// What is turned lies in z, else in its place: the first quad of each block isn't turned, which in the last step of a row
+/// is every one.
+struct Unturned {
+    RingWord* x[3];
+
+    Unturned(const Quad& quad, std::uint64_t e, const Temporaries& z)
+        : x{e != 0 ? z[0] : quad.x[1], e != 0 ? z[1] : quad.x[2], e != 0 ? z[2] : quad.x[3]} {}
+};
+
 void forward_quad(const HybridJob& job, const Quad& quad, std::uint64_t e, const Temporaries& z) {
-    RingWord* const out[3]{z[0], z[1], z[2]};
-    job.kernels.forward4(quad.x, out, job.size.n);
-    turn_quad(job, quad, e, z);
+    job.kernels.forward4(quad.x, Unturned(quad, e, z).x, job.size.n);
+    if (e != 0) turn_quad(job, quad, e, z);
 }
 
 void inverse_quad(const HybridJob& job, const Quad& quad, std::uint64_t e, const Temporaries& z) {
     const std::uint64_t turn = job.size.turn(), exponents[3]{2 * e, e, 3 * e};
-    for (int i = 0; i < 3; ++i) multiply_by_root(job, z[i], quad.x[i + 1], turn - exponents[i] % turn, z[3]);
-    RingWord* const in[3]{z[0], z[1], z[2]};
-    job.kernels.inverse4(quad.x, in, job.size.n);
+    for (int i = 0; i < 3 && e != 0; ++i) multiply_by_root(job, z[i], quad.x[i + 1], turn - exponents[i] % turn, z[3]);
+    job.kernels.inverse4(quad.x, Unturned(quad, e, z).x, job.size.n);
 }
 
 /// Half-bits between neighbouring points of a block.
@@ -83,12 +90,13 @@ void forward_steps(const HybridJob& job, const ElementSet& set, unsigned left, c
     if (left == 0) return;
     const std::uint64_t e = unit_of(job, 2 * set.step) * set.offset;
     for (std::uint64_t t = 0; t < std::uint64_t{1} << set.levels; t += 2) {
-        job.kernels.butterfly(set.at(t), set.at(t + 1), z[0], job.size.n);
-        multiply_by_root(job, set.at(t + 1), z[0], e, z[3]);
+        RingWord* const difference = e != 0 ? z[0] : set.at(t + 1);
+        job.kernels.butterfly(set.at(t), set.at(t + 1), difference, job.size.n);
+        if (e != 0) multiply_by_root(job, set.at(t + 1), difference, e, z[3]);
     }
 }
 
-/// The lower half of an element: c words of an operand, as far as it has them.
+/// c words of an operand, as far as it has them.
 struct Slice {
     const RingWord* words;
     std::size_t count;
@@ -96,9 +104,13 @@ struct Slice {
     Slice(const HybridSize& size, const RingWord* A, std::size_t AL, std::uint64_t i)
         : words(A + std::min<std::uint64_t>(AL, i * size.c)),
           count(std::min<std::uint64_t>(AL - std::min<std::uint64_t>(AL, i * size.c), size.c)) {}
-    void copy_to(RingWord* x, std::size_t half) const {
+
+    /// Where all c words can be read: at x, if the operand ends before.
+    const RingWord* whole(const HybridSize& size, RingWord* x) const {
+        if (count == size.c) return words;
         std::copy_n(words, count, x);
-        std::memset(x + count, 0, 4 * (half - count));
+        std::memset(x + count, 0, 4 * (size.c - count));
+        return x;
     }
 };
 
@@ -115,10 +127,11 @@ void load_quad(const HybridJob& job, const ElementSet& set, const RingWord* A, s
         return;
     }
     const bool two = slice(2).count == 0;
-    for (unsigned i = 0; i < (two ? 2U : 4U); ++i) slice(i).copy_to(quad.x[i], job.size.n / 2);
-    RingWord* const out[3]{z[0], z[1], z[2]};
-    job.kernels.load4(quad.x, out, job.size.n, two);
-    turn_quad(job, quad, unit_of(job, set.step << set.levels) * (set.offset + t * set.step), z);
+    const RingWord* in[4]{};
+    for (unsigned i = 0; i < (two ? 2U : 4U); ++i) in[i] = slice(i).whole(job.size, quad.x[i]);
+    const std::uint64_t e = unit_of(job, set.step << set.levels) * (set.offset + t * set.step);
+    job.kernels.load4(in, quad.x[0], Unturned(quad, 1, z).x, job.size.n, two);
+    turn_quad(job, quad, e, z);
 }
 
 } // namespace
@@ -139,8 +152,9 @@ void inverse_levels(const HybridJob& job, const ElementSet& set, TaskScratch scr
     if (done == 1) {
         const std::uint64_t e = unit_of(job, 2 * set.step) * set.offset;
         for (std::uint64_t t = 0; t < std::uint64_t{1} << set.levels; t += 2) {
-            multiply_by_root(job, z[0], set.at(t + 1), job.size.turn() - e, z[3]);
-            job.kernels.butterfly(set.at(t), z[0], set.at(t + 1), job.size.n);
+            RingWord* const turned = e != 0 ? z[0] : set.at(t + 1);
+            if (e != 0) multiply_by_root(job, turned, set.at(t + 1), job.size.turn() - e, z[3]);
+            job.kernels.butterfly(set.at(t), turned, set.at(t + 1), job.size.n);
         }
     }
     for (; done < set.levels; done += 2) {

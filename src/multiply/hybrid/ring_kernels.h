@@ -21,12 +21,14 @@ struct RingKernels {
 
     /// With J = 2^(N/2), a square root of -1:
     /// x0 := x0 + x1 + x2 + x3, z1 := x0 - x1 + x2 - x3, z2 := x0 - x2 + J (x1 - x3), z3 := x0 - x2 - J (x1 - x3).
+    /// Each z may be any of x1, x2, x3.
     void (*forward4)(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n);
 
-    /// forward4() of 0 <= x < 2^(N/2), of which the lower n/2 words are read; with `two`, x2 and x3 are zero and not read.
-    void (*load4)(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n, bool two);
+    /// forward4() of numbers of n/2 - 1 words, which are read at `in`, x0 where it was; with `two`, the last two are zero
+    /// and not read. in[0] may be x0.
+    void (*load4)(const RingWord* const (&in)[4], RingWord* x0, RingWord* const (&z)[3], std::size_t n, bool two);
 
-    /// Back from forward4(), times 4: takes x[0] and z, leaves all of x.
+    /// Back from forward4(), times 4: takes x[0] and z, leaves all of x. Each z may be any of x1, x2, x3.
     void (*inverse4)(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n);
 
     /// z := x * 2^s, 0 <= s < 2 N.

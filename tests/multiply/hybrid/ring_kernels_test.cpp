@@ -105,20 +105,23 @@ TEST_P(Kernels, ButterflyTakesCarriesThroughTheElement) {
     });
 }
 
+/// A step and the way back, by further elements or in place.
+void expect_radix4(const RingKernels& kernels, Form& form, bool in_place) {
+    const std::size_t from[4]{1, 6, 3, 4}, to[3]{in_place ? 6U : 0U, in_place ? 3U : 5U, in_place ? 4U : 2U};
+    RingWord* const x[4]{form.at(from[0]), form.at(from[1]), form.at(from[2]), form.at(from[3])};
+    RingWord* const z[3]{form.at(to[0]), form.at(to[1]), form.at(to[2])};
+    const mpz_class x0 = form.value(1), x1 = form.value(6), x2 = form.value(3), x3 = form.value(4);
+    const mpz_class J = form.power(16 * form.n);
+    form.expect_effect({{1, x0 + x1 + x2 + x3},
+                        {to[0], x0 - x1 + x2 - x3},
+                        {to[1], x0 - x2 + J * (x1 - x3)},
+                        {to[2], x0 - x2 - J * (x1 - x3)}},
+                       [&] { kernels.forward4(x, z, form.n); });
+    form.expect_effect({{1, 4 * x0}, {6, 4 * x1}, {3, 4 * x2}, {4, 4 * x3}}, [&] { kernels.inverse4(x, z, form.n); });
+}
+
 TEST_P(Kernels, RadixFourStepsAndTheWayBack) {
-    for_forms(60, [&](Form& form) {
-        RingWord* const x[4]{form.at(1), form.at(6), form.at(3), form.at(4)};
-        RingWord* const z[3]{form.at(0), form.at(5), form.at(2)};
-        const mpz_class x0 = form.value(1), x1 = form.value(6), x2 = form.value(3), x3 = form.value(4);
-        const mpz_class J = form.power(16 * form.n);
-        form.expect_effect({{1, x0 + x1 + x2 + x3},
-                            {0, x0 - x1 + x2 - x3},
-                            {5, x0 - x2 + J * (x1 - x3)},
-                            {2, x0 - x2 - J * (x1 - x3)}},
-                           [&] { kernels.forward4(x, z, form.n); });
-        form.expect_effect({{1, 4 * x0}, {6, 4 * x1}, {3, 4 * x2}, {4, 4 * x3}},
-                           [&] { kernels.inverse4(x, z, form.n); });
-    });
+    for_forms(60, [&](Form& form) { expect_radix4(kernels, form, random() % 2); });
 }
 
 /// Carries and borrows of two levels, -2 to 3 in all, that run through whole elements.
@@ -134,35 +137,32 @@ TEST_P(Kernels, RadixFourStepsOfZerosAndOnes) {
                 form.at(inputs[i])[n] = 0;
             }
             form.at(inputs[kinds % 4])[n / 2 - 3] ^= 1; // off the even run
-            RingWord* const x[4]{form.at(1), form.at(6), form.at(3), form.at(4)};
-            RingWord* const z[3]{form.at(0), form.at(5), form.at(2)};
-            const mpz_class x0 = form.value(1), x1 = form.value(6), x2 = form.value(3), x3 = form.value(4);
-            const mpz_class J = form.power(16 * n);
-            form.expect_effect({{1, x0 + x1 + x2 + x3},
-                                {0, x0 - x1 + x2 - x3},
-                                {5, x0 - x2 + J * (x1 - x3)},
-                                {2, x0 - x2 - J * (x1 - x3)}},
-                               [&] { kernels.forward4(x, z, n); });
-            form.expect_effect({{1, 4 * x0}, {6, 4 * x1}, {3, 4 * x2}, {4, 4 * x3}},
-                               [&] { kernels.inverse4(x, z, n); });
+            expect_radix4(kernels, form, kinds % 2);
             if (HasFatalFailure()) return;
         }
 }
 
 TEST_P(Kernels, FirstStepsOfHalves) {
     for_forms(60, [&](Form& form) {
-        RingWord* const x[4]{form.at(1), form.at(6), form.at(3), form.at(4)};
         RingWord* const z[3]{form.at(0), form.at(5), form.at(2)};
         const bool two = random() % 2;
+        // Anywhere in an operand, or where the first result goes.
+        std::vector<std::uint32_t> words(2 * form.n + 16);
+        for (auto& word : words) word = random() % 4 ? static_cast<std::uint32_t>(random()) : ~0U;
+        const std::size_t c = form.n / 2 - 1, begin = random() % 16;
+        const RingWord* in[4]{};
         mpz_class low[4];
-        for (int i = 0; i < (two ? 2 : 4); ++i) mpz_import(low[i].get_mpz_t(), form.n / 2, -1, 4, 0, 0, x[i]);
+        for (std::size_t i = 0; i < (two ? 2 : 4); ++i) {
+            in[i] = i == 0 && random() % 2 ? form.at(1) : words.data() + begin + i * c;
+            mpz_import(low[i].get_mpz_t(), c, -1, 4, 0, 0, in[i]);
+        }
         const auto& [x0, x1, x2, x3] = low;
         const mpz_class J = form.power(16 * form.n);
         form.expect_effect({{1, x0 + x1 + x2 + x3},
                             {0, x0 - x1 + x2 - x3},
                             {5, x0 - x2 + J * (x1 - x3)},
                             {2, x0 - x2 - J * (x1 - x3)}},
-                           [&] { kernels.load4(x, z, form.n, two); });
+                           [&] { kernels.load4(in, form.at(1), z, form.n, two); });
     });
 }
 

@@ -126,23 +126,40 @@ void inverse4(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n) {
 /// Of halves: nothing but carries passes the middle, and J (x1 - x3) lies above x0 - x2.
 template <bool Two>
 struct Load4Step {
-    RingWord* const (&x)[4], * const (&z)[3];
+    const RingWord* const (&in)[4];
+    RingWord* x0;
+    RingWord* const (&z)[3];
     std::size_t half;                           // words
     unsigned a = 0, b = 0, c = 0, d = 0;        // first sums and differences
     unsigned sum = 0, difference = 0, zero = 0; // a + c, a - c, 0 - d
 
     template <class B>
     ZVP_KERNEL_INLINE void run(std::size_t w) {
-        const B x0 = B::load(x[0] + w), x1 = B::load(x[1] + w);
-        B up = x0, down = x0, up1 = x1, down1 = x1;
-        if constexpr (!Two) {
-            const B x2 = B::load(x[2] + w), x3 = B::load(x[3] + w);
-            up = add(x0, x2, a);
-            down = subtract(x0, x2, b);
-            up1 = add(x1, x3, c);
-            down1 = subtract(x1, x3, d);
+        if constexpr (Two) {
+            const B none = B::zero();
+            add_up<B>(B::load(in[0] + w), B::load(in[1] + w), none, none, w);
+        } else {
+            add_up<B>(B::load(in[0] + w), B::load(in[1] + w), B::load(in[2] + w), B::load(in[3] + w), w);
         }
-        add(up, up1, sum).store(x[0] + w);
+    }
+
+    /// The last limb, which holds one word.
+    ZVP_KERNEL_INLINE void run_last(std::size_t w) {
+        const auto word = [&](int i) { return OneLimb{Two && i >= 2 ? 0 : in[i][w]}; };
+        add_up<OneLimb>(word(0), word(1), word(2), word(3), w);
+    }
+
+private:
+    template <class B>
+    ZVP_KERNEL_INLINE void add_up(B p0, B p1, B p2, B p3, std::size_t w) {
+        B up = p0, down = p0, up1 = p1, down1 = p1;
+        if constexpr (!Two) {
+            up = add(p0, p2, a);
+            down = subtract(p0, p2, b);
+            up1 = add(p1, p3, c);
+            down1 = subtract(p1, p3, d);
+        }
+        add(up, up1, sum).store(x0 + w);
         subtract(up, up1, difference).store(z[0] + w);
         down.store(z[1] + w);
         down1.store(z[1] + half + w);
@@ -152,20 +169,22 @@ struct Load4Step {
 };
 
 template <bool Two>
-ZVP_KERNEL_INLINE void load4_halves(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n) {
-    Load4Step<Two> k{x, z, n / 2};
-    for_blocks(n / 4, k);
-    std::memset(x[0] + n / 2, 0, 2 * n);
+ZVP_KERNEL_INLINE void load4_halves(const RingWord* const (&in)[4], RingWord* x0, RingWord* const (&z)[3],
+                                    std::size_t n) {
+    Load4Step<Two> k{in, x0, z, n / 2};
+    for_blocks(n / 4 - 1, k);
+    k.run_last(n / 2 - 2);
+    std::memset(x0 + n / 2, 0, 2 * n);
     std::memset(z[0] + n / 2, 0, 2 * n);
-    settle(x[0], n, wide(k.a) + wide(k.c) + wide(k.sum), 0);
+    settle(x0, n, wide(k.a) + wide(k.c) + wide(k.sum), 0);
     settle(z[0], n, wide(k.a) - wide(k.c) - wide(k.difference), 0);
     settle(z[1], n, -wide(k.b), -wide(k.d));
     settle(z[2], n, -wide(k.b), wide(k.d) - wide(k.zero));
 }
 
-void load4(RingWord* const (&x)[4], RingWord* const (&z)[3], std::size_t n, bool two) {
-    if (two) return load4_halves<true>(x, z, n);
-    load4_halves<false>(x, z, n);
+void load4(const RingWord* const (&in)[4], RingWord* x0, RingWord* const (&z)[3], std::size_t n, bool two) {
+    if (two) return load4_halves<true>(in, x0, z, n);
+    load4_halves<false>(in, x0, z, n);
 }
 
 /// z = x << Bits, whole limbs, complemented or not.
