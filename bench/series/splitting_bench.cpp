@@ -1,7 +1,7 @@
 // Chudnovsky's series, as Pi takes it, in one truncated block of the precision, as the first and last block of a constant
 // would be, and exactly; then as Pi sums it, in blocks with the division at the end: the times, and the shares of the leaves
-// alone and of the residue check. Times are the least of several runs by the wall clock; leaves and check are timed on one
-// thread. Arguments: the decimal digits of each row.
+// alone and of the residue check. All take turns, one thread and two: times and ratios are medians of the rounds, by the
+// clock. Arguments: the decimal digits of each row.
 
 #include "constants/pi/pi_sum.h"
 #include "multiply/contract/multiply_tables.h"
@@ -10,11 +10,11 @@
 #include "series/double_double/size_units.h"
 #include "series/splitting/block.h"
 #include "series/splitting/verify.h"
+#include "support/large_block.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -25,38 +25,36 @@ using namespace zvp;
 namespace bs = zvp::BinarySplitting;
 using bs::CommonP2B3::Family;
 
-struct Free {
-    void operator()(void* p) const { std::free(p); }
-};
-
-class Memory {
-public:
-    explicit Memory(std::size_t bytes) : block(std::aligned_alloc(64, (bytes + 127) / 64 * 64)) {}
-    std::byte* get() const { return static_cast<std::byte*>(block.get()); }
-    wtype* words() const { return static_cast<wtype*>(block.get()); }
-
-private:
-    std::unique_ptr<void, Free> block;
-};
-
-double least_seconds(int rounds, const std::function<void()>& call) {
-    double least = 1e99;
-    for (int i = 0; i < rounds; ++i) {
-        const std::uint64_t began = platform::performance_counter();
-        call();
-        least = std::min(least, static_cast<double>(platform::performance_counter() - began) * 1e-9);
-    }
-    return least;
+double seconds_of(const std::function<void()>& call) {
+    const std::uint64_t began = platform::performance_counter();
+    call();
+    return static_cast<double>(platform::performance_counter() - began) * 1e-9;
 }
+
+double median(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+/// Of each round the first value by the second.
+double median_ratio(const std::vector<double>& a, const std::vector<double>& b) {
+    std::vector<double> ratios;
+    for (std::size_t i = 0; i < a.size(); ++i) ratios.push_back(a[i] / b[i]);
+    return median(ratios);
+}
+
+wtype* words_of(const LargeBlock& memory) { return reinterpret_cast<wtype*>(memory.get()); }
 
 /// A block with its memory.
 class Run {
 public:
     Run(const PiChudnovskySeries& series, std::size_t words, std::uint32_t tds)
         : block(series, 0, series.N, words, tds, 1, 0, true), scratch(block.plan.scratch_bytes) {
-        for (std::size_t i = 0; i < Family::numbers; ++i) numbers.emplace_back(capacity(i) * sizeof(wtype));
+        for (std::size_t i = 0; i < Family::numbers; ++i)
+            numbers.push_back(std::make_unique<LargeBlock>(capacity(i) * sizeof(wtype)));
         block.ensure_tables(tables);
-        table_memory = std::make_unique<Memory>(tables.bytes());
+        table_memory = std::make_unique<LargeBlock>(tables.bytes());
         tables.place(table_memory->get());
         pars.tables = &tables;
         pars.M = scratch.get();
@@ -68,7 +66,7 @@ public:
     template <class Number>
     Family::Numbers<Number> run() const {
         Family::Numbers<Number> targets;
-        for (std::size_t i = 0; i < Family::numbers; ++i) targets[i] = Number(numbers[i].words(), capacity(i));
+        for (std::size_t i = 0; i < Family::numbers; ++i) targets[i] = Number(words_of(*numbers[i]), capacity(i));
         block.run(pars, nullptr, targets);
         return targets;
     }
@@ -78,7 +76,8 @@ public:
         const auto& series = block.series;
         if (b - a < series.leaf_terms) {
             bs::ExactNumber n[Family::numbers];
-            for (std::size_t i = 0; i < Family::numbers; ++i) n[i] = bs::ExactNumber(numbers[i].words(), capacity(i));
+            for (std::size_t i = 0; i < Family::numbers; ++i)
+                n[i] = bs::ExactNumber(words_of(*numbers[i]), capacity(i));
             return series.BSR_E(pars, n[0], n[1], n[2], n[3], a, b);
         }
         const std::uint64_t m = b - a <= bs::plain_split_terms ? a + (b - a) / 2 : series.midpoint(a, b);
@@ -96,59 +95,77 @@ private:
 
     std::unique_ptr<ParallelFramework> framework = make_framework_config("pushpool")->make_framework();
     MultiplyTables tables;
-    std::vector<Memory> numbers;
-    std::unique_ptr<Memory> table_memory;
-    Memory scratch;
+    std::vector<std::unique_ptr<LargeBlock>> numbers;
+    std::unique_ptr<LargeBlock> table_memory;
+    LargeBlock scratch;
 };
 
-/// Seconds of the series' value as Pi takes it: blocks of falling precision, folded, and the division at the end.
-double value_seconds(std::size_t words, std::uint32_t tds, int rounds) {
-    const Pi_Series_BigFloatR pi(PiSeries::chudnovsky, -1, words, tds, false);
-    const std::unique_ptr<ParallelFramework> framework = make_framework_config("pushpool")->make_framework();
-    MultiplyTables tables;
-    pi.ensure_tables(tables);
-    const Memory table_memory(tables.bytes()), number(pi.result_words * sizeof(wtype)), memory(pi.memory_bytes);
-    tables.place(table_memory.get());
-    MultiplyParameters pars;
-    pars.tds = tds;
-    pars.framework = framework.get();
-    pars.tables = &tables;
-    return least_seconds(rounds, [&] {
-        BigFloat value(number.words(), pi.result_words);
+/// The series' value as Pi takes it: blocks of falling precision, folded, and the division at the end.
+class Value {
+public:
+    Value(std::size_t words, std::uint32_t tds)
+        : pi(PiSeries::chudnovsky, -1, words, tds, false),
+          number(pi.result_words * sizeof(wtype)),
+          memory(pi.memory_bytes) {
+        pi.ensure_tables(tables);
+        table_memory = std::make_unique<LargeBlock>(tables.bytes());
+        tables.place(table_memory->get());
+        pars.tds = tds;
+        pars.framework = framework.get();
+        pars.tables = &tables;
+    }
+
+    void run() const {
+        BigFloat value(words_of(number), pi.result_words);
         pi.sum.run(pars, {}, value, {memory.get(), pi.memory_bytes});
-    });
-}
+    }
+
+private:
+    const Pi_Series_BigFloatR pi;
+    std::unique_ptr<ParallelFramework> framework = make_framework_config("pushpool")->make_framework();
+    MultiplyTables tables;
+    MultiplyParameters pars;
+    LargeBlock number, memory;
+    std::unique_ptr<LargeBlock> table_memory;
+};
 
 void bench(std::uint64_t digits) {
     const double nats = static_cast<double>(digits) / digits_per_nat().hi;
     const auto words = static_cast<std::size_t>(nats * words_per_nat().hi) + 3;
     const PiChudnovskySeries series(words);
-    const int rounds = digits <= 200'000 ? 15 : digits <= 2'000'000 ? 5 : 2;
+    const int rounds = digits <= 200'000 ? 41 : digits <= 2'000'000 ? 21 : 5;
+    const Run one(series, words, 1), two(series, words, 2);
+    const Value value_one(words, 1), value_two(words, 2);
+    enum Row { truncated, exact, value, leaves, check, truncated_two, value_two_tasks, rows };
+    std::vector<double> seconds[rows];
+    for (int round = 0; round < rounds; ++round) {
+        const auto time = [&](Row row, const std::function<void()>& call) { seconds[row].push_back(seconds_of(call)); };
+        Family::Numbers<bs::ExactNumber> results;
+        time(truncated, [&] { one.run<BigFloat>(); });
+        time(leaves, [&] { one.run_leaves(0, series.N); });
+        time(value, [&] { value_one.run(); });
+        time(exact, [&] { results = one.run<bs::ExactNumber>(); });
+        time(check, [&] { bs::zvc_Verify_BSR(0, series.N, {results.data(), 2}, one.pars); });
+        time(truncated_two, [&] { two.run<BigFloat>(); });
+        time(value_two_tasks, [&] { value_two.run(); });
+    }
+    const auto ms = [&](Row row) { return median(seconds[row]) * 1e3; };
+    const auto percent = [&](Row a, Row b) { return median_ratio(seconds[a], seconds[b]) * 100; };
     std::printf("%llu digits, %llu terms\n", static_cast<unsigned long long>(digits),
                 static_cast<unsigned long long>(series.N));
-    double first = 0;
-    for (const std::uint32_t tds : {1U, 2U}) {
-        const Run run(series, words, tds);
-        const double whole = least_seconds(rounds, [&] { run.run<BigFloat>(); });
-        const double exact = least_seconds(rounds, [&] { run.run<bs::ExactNumber>(); });
-        if (tds == 1) first = whole;
-        std::printf("  %u task%s  truncated %10.3f ms  %8.1f ns/digit  speedup %4.2f   exact %10.3f ms\n", tds,
-                    tds == 1 ? " " : "s", whole * 1e3, whole * 1e9 / static_cast<double>(digits), first / whole,
-                    exact * 1e3);
-        const double value = value_seconds(words, tds, rounds);
-        std::printf("           blocks and division %10.3f ms\n", value * 1e3);
-        if (tds > 1) continue;
-        const double leaves = least_seconds(rounds, [&] { run.run_leaves(0, series.N); });
-        const auto results = run.run<bs::ExactNumber>();
-        const double check = least_seconds(rounds, [&] {
-            bs::zvc_Verify_BSR(0, series.N, {results.data(), 2}, run.pars);
-        });
-        std::printf(
-            "           leaves %10.3f ms = %4.1f %% of truncated, %4.1f %% of blocks and division, %6.1f ns/term   "
-            "merges %5.1f %%   check %7.3f ms = %5.2f %% of exact\n",
-            leaves * 1e3, leaves / whole * 100, leaves / value * 100, leaves * 1e9 / static_cast<double>(series.N),
-            (whole - leaves) / whole * 100, check * 1e3, check / exact * 100);
-    }
+    std::printf("  truncated            %10.3f ms, %6.1f ns/digit   two tasks %10.3f ms, speedup %4.2f\n",
+                ms(truncated), ms(truncated) * 1e6 / static_cast<double>(digits), ms(truncated_two),
+                median_ratio(seconds[truncated], seconds[truncated_two]));
+    std::printf("  blocks and division  %10.3f ms, %6.1f ns/digit   two tasks %10.3f ms, speedup %4.2f\n", ms(value),
+                ms(value) * 1e6 / static_cast<double>(digits), ms(value_two_tasks),
+                median_ratio(seconds[value], seconds[value_two_tasks]));
+    std::printf(
+        "  leaves               %10.3f ms, %6.1f ns/term    %4.1f %% of truncated, %4.1f %% of blocks and division\n",
+        ms(leaves), ms(leaves) * 1e6 / static_cast<double>(series.N), percent(leaves, truncated),
+        percent(leaves, value));
+    std::printf("  exact                %10.3f ms                    check %7.3f ms, %5.2f %% of it\n", ms(exact),
+                ms(check), percent(check, exact));
+    std::fflush(stdout);
 }
 
 } // namespace
