@@ -18,17 +18,41 @@ namespace {
 
 bool whole_table() { return std::getenv("ZORVANE_TEST_LARGE") != nullptr; }
 
-/// The words of A * B modulo 2^N + 1 by the transform, and the top word behind them.
+const std::byte* bytes_of(const std::vector<std::uint32_t>& A) { return reinterpret_cast<const std::byte*>(A.data()); }
+
+/// The words of A * B modulo 2^N + 1 by the transform, and the top word behind them: of kept forms, then at one go, then
+/// with the form of B which that leaves. All must agree.
 std::vector<std::uint32_t> fft_words(const FftTables& tables, const FftLength& length,
                                      const std::vector<std::uint32_t>& A, const std::vector<std::uint32_t>& B) {
     const std::uint64_t form = fft_transform_bytes(length);
     GuardedBytes M(fft_scratch_bytes(length)), Xa(form), Xb(form);
-    fft_forward(tables, length, M.data(), Xa.data(), reinterpret_cast<const std::byte*>(A.data()), 4 * A.size());
-    fft_forward(tables, length, M.data(), Xb.data(), reinterpret_cast<const std::byte*>(B.data()), 4 * B.size());
-    std::vector<std::uint32_t> words(length.capacity_bits() / 32 + 1);
-    words.back() = static_cast<std::uint32_t>(fft_product(tables, length, M.data(), Xa.data(), Xa.data(), Xb.data()));
-    std::memcpy(words.data(), M.data(), length.capacity_bits() / 8);
+    const auto words_of = [&](int top) {
+        std::vector<std::uint32_t> words(length.capacity_bits() / 32 + 1);
+        words.back() = static_cast<std::uint32_t>(top);
+        std::memcpy(words.data(), M.data(), length.capacity_bits() / 8);
+        return words;
+    };
+    const auto product_of_forms = [&] {
+        fft_forward(tables, length, M.data(), Xa.data(), bytes_of(A), 4 * A.size());
+        return words_of(fft_product(tables, length, M.data(), Xa.data(), Xa.data(), Xb.data()));
+    };
+    fft_forward(tables, length, M.data(), Xb.data(), bytes_of(B), 4 * B.size());
+    const auto words = product_of_forms();
+    EXPECT_TRUE(words
+                == words_of(fft_multiply(tables, length, M.data(), Xa.data(), bytes_of(A), 4 * A.size(), Xb.data(),
+                                         bytes_of(B), 4 * B.size())));
+    EXPECT_TRUE(words == product_of_forms());
     EXPECT_TRUE(M.guards_stand() && Xa.guards_stand() && Xb.guards_stand());
+    return words;
+}
+
+std::vector<std::uint32_t> fft_square_words(const FftTables& tables, const FftLength& length,
+                                            const std::vector<std::uint32_t>& A) {
+    GuardedBytes M(fft_scratch_bytes(length)), X(fft_transform_bytes(length));
+    std::vector<std::uint32_t> words(length.capacity_bits() / 32 + 1);
+    words.back() =
+        static_cast<std::uint32_t>(fft_square(tables, length, M.data(), X.data(), bytes_of(A), 4 * A.size()));
+    std::memcpy(words.data(), M.data(), length.capacity_bits() / 8);
     return words;
 }
 
@@ -37,7 +61,7 @@ std::vector<double> product_points(const FftTables& tables, const FftLength& len
     const FftShape shape = fft_shape(tables.kernel_set(), length);
     const FftJob job{length.L / 2, length.m, shape.levels, length.bits_per_point, tables.roots(length)};
     GuardedBytes M(fft_scratch_bytes(length)), X(fft_transform_bytes(length));
-    fft_forward(tables, length, M.data(), X.data(), reinterpret_cast<const std::byte*>(A.data()), 4 * A.size());
+    fft_forward(tables, length, M.data(), X.data(), bytes_of(A), 4 * A.size());
     auto* points = reinterpret_cast<double*>(X.data());
     fft_kernels(tables.kernel_set(), shape.lanes).product_points(job, points, points, points);
     return {points, points + length.L};
@@ -136,6 +160,7 @@ TEST(FftProduct, EveryRowAtItsCapacityAndBeside) {
                     const auto A = operand(random, AL, pattern, length.bits_per_point);
                     const auto B = operand(random, BL, pattern, length.bits_per_point);
                     ASSERT_EQ(fft_words(all.tables, length, A, B), ring_product(A, B, n)) << AL << " x " << BL;
+                    ASSERT_EQ(fft_square_words(all.tables, length, A), ring_product(A, A, n)) << AL;
                 }
         }
     }
@@ -178,13 +203,25 @@ TEST(FftRing, EveryRowAndTheValueTwoToTheN) {
             SCOPED_TRACE(name_of(set, length));
             const std::size_t n = N / 32;
             GuardedBytes M(fft_scratch_bytes(length) + 2 * fft_transform_bytes(length));
-            const auto check = [&](std::vector<std::uint32_t> A, const std::vector<std::uint32_t>& B) {
+            // Closed operands end where their storage ends; open ones stand among others, anywhere in a line.
+            const auto check = [&](const std::vector<std::uint32_t>& A, const std::vector<std::uint32_t>& B) {
                 const auto expected = ring_product(A, B, n);
-                const bool square = A == B;
-                const int top = square ? ring_sqr(all.tables, length, A.data(), M.data())
-                                       : ring_mul(all.tables, length, A.data(), B.data(), M.data());
-                A.push_back(static_cast<std::uint32_t>(top));
-                ASSERT_EQ(A, expected) << (square ? "square" : "product");
+                const bool square = A == B, open = random() % 2;
+                const std::size_t before = open ? 1 + random() % 16 : 0, behind = open ? 8 : 0;
+                const auto among_others = [&](const std::vector<std::uint32_t>& X) {
+                    std::vector<std::uint32_t> words(before + n + behind);
+                    for (auto& word : words) word = static_cast<std::uint32_t>(random());
+                    std::copy(X.begin(), X.end(), words.begin() + static_cast<std::ptrdiff_t>(before));
+                    return words;
+                };
+                auto a = among_others(A), others = a;
+                const auto b = among_others(B);
+                const int top =
+                    square ? ring_sqr(all.tables, length, a.data() + before, M.data(), open)
+                           : ring_mul(all.tables, length, a.data() + before, b.data() + before, M.data(), open);
+                ASSERT_EQ(static_cast<std::uint32_t>(top), expected.back());
+                std::copy_n(expected.begin(), n, others.begin() + static_cast<std::ptrdiff_t>(before));
+                ASSERT_EQ(a, others) << (square ? "square" : "product") << (open ? ", open" : "");
             };
             for (const Pattern pattern : all_patterns) {
                 const auto A = operand(random, n, pattern, length.bits_per_point);
