@@ -78,8 +78,8 @@ void product_block(const HybridJob& job, RingWord* Xd, const RingWord* Xa, const
 
 void forward_columns(const HybridJob& job, RingWord* X, const RingWord* A, std::size_t AL) {
     const Split split = split_of(job, job.size.k);
-    run_ranges(job, split.columns(), [&](std::uint64_t begin, std::uint64_t end, TaskScratch scratch) {
-        for (std::uint64_t i = begin; i < end; ++i) load_levels(job, column_of(job, X, split, i), A, AL, scratch);
+    run_items(job, split.columns(), [&](std::uint64_t column, TaskScratch scratch) {
+        load_levels(job, column_of(job, X, split, column), A, AL, scratch);
     });
 }
 
@@ -130,14 +130,6 @@ void inverse_columns(const HybridJob& job, RingWord* X, RingWord* T, std::size_t
     check.expect(expected, left.kept);
 }
 
-/// Calls work(row, scratch) for each row.
-template <class Work>
-void run_rows(const HybridJob& job, const Work& work) {
-    run_ranges(job, split_of(job, job.size.k).rows(), [&](std::uint64_t begin, std::uint64_t end, TaskScratch scratch) {
-        for (std::uint64_t i = begin; i < end; ++i) work(i, scratch);
-    });
-}
-
 /// The row of a form, ready for products.
 void forward_row(const HybridJob& job, const HybridOperand& operand, const Split& split, std::uint64_t row,
                  TaskScratch scratch) {
@@ -150,7 +142,9 @@ void forward_row(const HybridJob& job, const HybridOperand& operand, const Split
 void hybrid_forward(const HybridJob& job, RingWord* X, const RingWord* A, std::size_t AL) {
     const Split split = split_of(job, job.size.k);
     forward_columns(job, X, A, AL);
-    run_rows(job, [&](std::uint64_t row, TaskScratch scratch) { forward_row(job, {X, A, AL}, split, row, scratch); });
+    run_items(job, split.rows(), [&](std::uint64_t row, TaskScratch scratch) {
+        forward_row(job, {X, A, AL}, split, row, scratch);
+    });
 }
 
 void hybrid_product(const HybridJob& job, RingWord* Xd, const RingWord* Xa, const RingWord* Xb, RingWord* T,
@@ -158,7 +152,7 @@ void hybrid_product(const HybridJob& job, RingWord* Xd, const RingWord* Xa, cons
     const Split split = split_of(job, job.size.k);
     const ResidueSource a{Xa, nullptr, 0}, b{Xb, nullptr, 0};
     const std::uint32_t expected = expected_residue(job, a, Xa == Xb ? nullptr : &b);
-    run_rows(job, [&](std::uint64_t row, TaskScratch scratch) {
+    run_items(job, split.rows(), [&](std::uint64_t row, TaskScratch scratch) {
         const std::size_t offset = row * (job.size.stride << split.row_levels);
         product_block(job, Xd + offset, Xa + offset, Xb + offset, split.row_levels, scratch);
     });
@@ -170,7 +164,7 @@ void hybrid_multiply(const HybridJob& job, const HybridOperand& a, const HybridO
     const Split split = split_of(job, job.size.k);
     for (const HybridOperand& operand : {a, b})
         if (operand.words) forward_columns(job, operand.X, operand.words, operand.length);
-    run_rows(job, [&](std::uint64_t row, TaskScratch scratch) {
+    run_items(job, split.rows(), [&](std::uint64_t row, TaskScratch scratch) {
         if (b.words) forward_row(job, b, split, row, scratch);
         RingWord* const x = row_of(job, a.X, split, row);
         forward_block(job, x, split.row_levels, scratch);
