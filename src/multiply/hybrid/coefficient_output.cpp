@@ -9,8 +9,8 @@
 
 namespace zvp {
 
-void CoefficientOutput::put(std::uint64_t i, std::uint32_t power, RingWord* x, const RingWord* before,
-                            TaskScratch scratch, Sums& sums) const {
+void CoefficientOutput::put(std::uint64_t i, std::uint32_t power, RingWord* x, RingWord* before, TaskScratch scratch,
+                            Sums& sums) const {
     const HybridSize& size = job.size;
     const std::size_t n = size.n, c = size.c;
     RingWord small[least_fft_ring + 1];
@@ -24,11 +24,13 @@ void CoefficientOutput::put(std::uint64_t i, std::uint32_t power, RingWord* x, c
         const bool carry = add_words(r, r, before, c);
         add_word(r + c, c + 1, before[c]);
         add_word(r + c, c + 1, carry);
+        before[n] = 0;
     }
     store(i, r);
     const std::uint32_t kept = subtract_residues(value, job.kernels.residue(r, c));
     sums.kept = add_residues(sums.kept, shift_residue(kept, c * i));
     std::memcpy(x, r + c, 4 * (c + 1));
+    x[n] = 1;
 }
 
 /// The c words of coefficient i, as far as the range takes them.

@@ -18,7 +18,7 @@ public:
     CoefficientOutput(const HybridJob& job_, RingWord* T_, std::size_t s_, std::size_t e_)
         : job(job_), T(T_), s(s_), e(e_) {}
 
-    /// Adds up coefficients of one task.
+    /// Sums over coefficients of one task.
     struct Sums {
         std::uint32_t values = 0; // at check_point
         std::uint32_t kept = 0;   // at their words
@@ -27,8 +27,11 @@ public:
     /// Coefficient i from its element x; `before` is the element of coefficient i - 1, null for the first of a run.
     /// `power` is check_point^i. Throws AlgorithmFailedException when the coefficient is larger than any that operands can
     /// make: so are nearly all after a fault in a forward form or in a product of elements.
-    void put(std::uint64_t i, std::uint32_t power, RingWord* x, const RingWord* before, TaskScratch scratch,
+    void put(std::uint64_t i, std::uint32_t power, RingWord* x, RingWord* before, TaskScratch scratch,
              Sums& sums) const;
+
+    /// Whether coefficient x, which was put, is the last one of its run.
+    bool ends_run(const RingWord* x) const { return x[job.size.n] != 0; }
 
     /// Adds what the last coefficient of a run has kept; when all runs have been put, by one thread.
     void finish_run(std::uint64_t i, const RingWord* x, Sums& total) const;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <span>
 
 namespace zvp {
 
@@ -76,10 +77,12 @@ void product_block(const HybridJob& job, RingWord* Xd, const RingWord* Xa, const
     for (std::uint64_t i = 0; i < split.columns(); ++i) inverse_levels(job, column_of(job, Xd, split, i), scratch);
 }
 
-void forward_columns(const HybridJob& job, RingWord* X, const RingWord* A, std::size_t AL) {
+/// The column passes of operands, in one go.
+void forward_columns(const HybridJob& job, std::span<const HybridOperand> operands) {
     const Split split = split_of(job, job.size.k);
-    run_items(job, split.columns(), [&](std::uint64_t column, TaskScratch scratch) {
-        load_levels(job, column_of(job, X, split, column), A, AL, scratch);
+    run_items(job, operands.size() * split.columns(), [&](std::uint64_t item, TaskScratch scratch) {
+        const auto& [X, words, length] = operands[item / split.columns()];
+        load_levels(job, column_of(job, X, split, item % split.columns()), words, length, scratch);
     });
 }
 
@@ -107,24 +110,24 @@ void inverse_columns(const HybridJob& job, RingWord* X, RingWord* T, std::size_t
     const CoefficientOutput output(job, T, s, e);
     SumCheck check;
     const std::uint32_t down_a_column = residue_power(check_point, split.columns());
-    const auto columns = [&](std::uint64_t begin, std::uint64_t end, TaskScratch scratch) {
+    run_takers(job, split.columns(), [&](auto&& take, TaskScratch scratch) {
         CoefficientOutput::Sums sums;
-        for (std::uint64_t i = begin; i < end; ++i) {
+        std::uint64_t next = 0; // that a task's run goes on with
+        for (std::uint64_t i; take(i); next = i + 1) {
             const ElementSet column = column_of(job, X, split, i);
             inverse_levels(job, column, scratch);
             std::uint32_t power = residue_power(check_point, i);
             for (std::uint64_t t = 0; t < split.rows(); ++t, power = multiply_residues(power, down_a_column))
                 output.put(i + t * split.columns(), power, column.at(t),
-                           i > begin ? column.at(t) - size.stride : nullptr, scratch, sums);
+                           i > 0 && i == next ? column.at(t) - size.stride : nullptr, scratch, sums);
         }
         check.add(sums);
-    };
-    const auto ranges = run_ranges(job, split.columns(), columns);
-    // What stands above the last coefficient of each task's run belongs to the first of the next.
+    });
+    // What stands above the last coefficient of a run belongs to the one behind it.
     CoefficientOutput::Sums left;
-    for (std::uint64_t t = 0; t < split.rows(); ++t)
-        for (std::uint32_t task = 0; task < ranges.tasks(); ++task) {
-            const std::uint64_t last = ranges.boundary(task + 1) - 1 + t * split.columns();
+    for (std::uint64_t i = 0; i < split.columns(); ++i)
+        for (std::uint64_t t = 0; t < split.rows() && output.ends_run(X + i * size.stride); ++t) {
+            const std::uint64_t last = i + t * split.columns();
             output.finish_run(last, X + last * size.stride, left);
         }
     check.expect(expected, left.kept);
@@ -141,10 +144,10 @@ void forward_row(const HybridJob& job, const HybridOperand& operand, const Split
 
 void hybrid_forward(const HybridJob& job, RingWord* X, const RingWord* A, std::size_t AL) {
     const Split split = split_of(job, job.size.k);
-    forward_columns(job, X, A, AL);
-    run_items(job, split.rows(), [&](std::uint64_t row, TaskScratch scratch) {
-        forward_row(job, {X, A, AL}, split, row, scratch);
-    });
+    const HybridOperand operand{X, A, AL};
+    forward_columns(job, {&operand, 1});
+    run_items(job, split.rows(),
+              [&](std::uint64_t row, TaskScratch scratch) { forward_row(job, operand, split, row, scratch); });
 }
 
 void hybrid_product(const HybridJob& job, RingWord* Xd, const RingWord* Xa, const RingWord* Xb, RingWord* T,
@@ -162,8 +165,11 @@ void hybrid_product(const HybridJob& job, RingWord* Xd, const RingWord* Xa, cons
 void hybrid_multiply(const HybridJob& job, const HybridOperand& a, const HybridOperand& b, RingWord* T, std::size_t s,
                      std::size_t e) {
     const Split split = split_of(job, job.size.k);
+    HybridOperand raw[2];
+    std::size_t count = 0;
     for (const HybridOperand& operand : {a, b})
-        if (operand.words) forward_columns(job, operand.X, operand.words, operand.length);
+        if (operand.words) raw[count++] = operand;
+    forward_columns(job, {raw, count});
     run_items(job, split.rows(), [&](std::uint64_t row, TaskScratch scratch) {
         if (b.words) forward_row(job, b, split, row, scratch);
         RingWord* const x = row_of(job, a.X, split, row);

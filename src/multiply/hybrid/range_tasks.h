@@ -83,15 +83,16 @@ private:
     std::array<std::atomic<std::uint64_t>, most_ranges> left;
 };
 
-/// Calls work(item, scratch) for each of `count` items. A task that is done with its own takes from others: a core that is
-/// slowed down, by another program or by its heat, doesn't hold them up.
+/// Calls work(take, scratch) once in each task, where take(item) gives the next of `count` items, or false. A task that is
+/// done with its own takes from others: a core that is slowed down, by another program or by its heat, doesn't hold them
+/// up.
 template <class Work>
-class ItemAction final : public BasicAction {
+class TakeAction final : public BasicAction {
 public:
-    ItemAction(const HybridJob& job_, std::uint64_t count, const Work& work_)
+    TakeAction(const HybridJob& job_, std::uint64_t count, const Work& work_)
         : job(job_), items(count, tasks_for(job_, count)), work(work_) {}
     void run(std::uint32_t index) override {
-        for (std::uint64_t item; items.take(index, item);) work(item, scratch_of(job, index));
+        work([&](std::uint64_t& item) { return items.take(index, item); }, scratch_of(job, index));
     }
 
 private:
@@ -101,9 +102,17 @@ private:
 };
 
 template <class Work>
-void run_items(const HybridJob& job, std::uint64_t count, const Work& work) {
-    ItemAction<Work> action(job, count, work);
+void run_takers(const HybridJob& job, std::uint64_t count, const Work& work) {
+    TakeAction<Work> action(job, count, work);
     run_tasks(job, action, tasks_for(job, count));
+}
+
+/// Calls work(item, scratch) for each of `count` items, likewise.
+template <class Work>
+void run_items(const HybridJob& job, std::uint64_t count, const Work& work) {
+    run_takers(job, count, [&](auto&& take, TaskScratch scratch) {
+        for (std::uint64_t item; take(item);) work(item, scratch);
+    });
 }
 
 } // namespace zvp
