@@ -11,6 +11,8 @@
 #include "series/double_double/size_units.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace zvp {
 
@@ -40,14 +42,25 @@ TreeNeeds serial_needs(const ReadyTableB& table, unsigned level) {
     return needs;
 }
 
-/// By tasks: each split halves the areas. A lower half may be any shorter tree, with as many tasks.
+/// By tasks: each split halves the areas. A lower half may be any shorter tree, with as many tasks. Step by step from the
+/// fewest tasks up: `halves` has the needs of each level's tree by half as many tasks.
 TreeNeeds tree_needs(const ReadyTableB& table, unsigned level, std::uint32_t tasks) {
-    if (tasks < 2 || level < 2) return serial_needs(table, level);
-    TreeNeeds half = tree_needs(table, level - 1, (tasks + 1) / 2);
-    TreeNeeds needs{2 * std::max(table.levels[level - 1].p_words, half.input_words),
-                    std::max(table.product_bytes(level - 1, tasks), 2 * padded_bytes(half.scratch_bytes))};
-    needs.include(tree_needs(table, level - 1, tasks));
-    return needs;
+    std::vector<std::uint32_t> halvings{tasks};
+    while (halvings.back() > 1) halvings.push_back((halvings.back() + 1) / 2);
+
+    std::vector<TreeNeeds> halves;
+    for (unsigned i = 0; i <= level; ++i) halves.push_back(serial_needs(table, i));
+    for (std::size_t step = halvings.size() - 1; step-- > 0;) {
+        std::vector<TreeNeeds> needs(halves);
+        for (unsigned i = 2; i <= level; ++i) {
+            const TreeNeeds& half = halves[i - 1];
+            needs[i] = {2 * std::max(table.levels[i - 1].p_words, half.input_words),
+                        std::max(table.product_bytes(i - 1, halvings[step]), 2 * padded_bytes(half.scratch_bytes))};
+            needs[i].include(needs[i - 1]);
+        }
+        halves = std::move(needs);
+    }
+    return halves[level];
 }
 
 /// A node's cells on the status line, for the time of a scope.

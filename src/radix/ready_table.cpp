@@ -33,10 +33,6 @@ std::uint32_t top_tasks(std::uint32_t tasks_total, unsigned T) {
     return static_cast<std::uint32_t>(std::min<std::uint64_t>(std::max<std::uint32_t>(tasks_total, 1), most));
 }
 
-const Transform& plan_product(TransformObject& object, const ConvertLevel& level, std::uint32_t tasks) {
-    return algorithm_table<wtype>().get_algorithm(level.mul_words).params(object, level.mul_words, tasks);
-}
-
 std::size_t strip_low_zeros(ExactNumber& A) {
     std::size_t zeros = 0;
     while (zeros < A.L && A.T[zeros] == 0) ++zeros;
@@ -76,6 +72,10 @@ void show_size(StatusNode* status, std::uint64_t words) {
 }
 
 } // namespace
+
+const Transform& plan_product(TransformObject& object, const ConvertLevel& level, std::uint32_t tasks) {
+    return algorithm_table<wtype>().get_algorithm(level.mul_words).params(object, level.mul_words, tasks);
+}
 
 ConvertShape::ConvertShape(std::uint64_t N) : b(N) {
     for (; b >= 32; b = (b + 1) >> 1) ++levels;
@@ -117,7 +117,6 @@ ReadyTableB::ReadyTableB(std::uint32_t R_, std::uint64_t N, std::uint32_t tasks_
         TransformObject object;
         level.scratch_bytes = plan_product(object, level, tasks).scratch_bytes;
         level.transform_bytes = object->transform_bytes;
-        level.serial_bytes = plan_product(object, level, 1).scratch_bytes;
         forms_bytes += level.transform_bytes;
         product = std::max(product, level.transform_bytes + plan_product(object, level, tasks_total).scratch_bytes);
     }
@@ -156,8 +155,7 @@ ReadyPowers::ReadyPowers(const ReadyTableB& plan_, const MultiplyParameters& par
 
 void ReadyPowers::place(unsigned level, AlignedBufferC<64>& table) {
     PowerTransform& power = powers[level];
-    plan_product(power.serial, plan.levels[level], 1);
-    plan_product(power.parallel, plan.levels[level], plan.levels[level].tasks);
+    plan_product(power.transform, plan.levels[level], 1);
     power.X = table.spawn(plan.levels[level].transform_bytes).pointer;
 }
 
@@ -176,7 +174,7 @@ void ReadyPowers::make_tables(const MultiplyParameters& pars, StatusNode* status
         PowerTransform& record = powers[i];
         TransformObject object;
         const Transform& transform = plan_product(object, plan.levels[i], pars.tds);
-        if (!transform.compatible(*record.serial))
+        if (!transform.compatible(*record.transform))
             throw InvalidParametersException("PowerTransform::replace()", "Transforms are incompatible.");
         AlignedBufferC<64> memory = scratch;
         std::byte* const Xd = memory.spawn(transform.transform_bytes).pointer;

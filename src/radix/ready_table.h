@@ -36,7 +36,6 @@ struct ConvertLevel {
 
     std::uint64_t transform_bytes = 0;
     std::uint64_t scratch_bytes = 0; // of a product by `tasks` tasks
-    std::uint64_t serial_bytes = 0;  // by one task
 };
 
 /// The sizes of the table: all that can be known without computing it. Radix R >= 2, N >= 1 output words.
@@ -70,15 +69,15 @@ private:
     std::uint64_t power_words(unsigned level) const; // storage of the power itself
 };
 
+/// The transform of a product at `level` by `tasks` tasks. Its form is the same for any number of them.
+const Transform& plan_product(TransformObject& object, const ConvertLevel& level, std::uint32_t tasks);
+
 /// A prepared power: forward form and position.
 struct PowerTransform {
-    TransformObject serial;   // of one task
-    TransformObject parallel; // of the level's tasks
+    TransformObject transform; // that made the form, by one task
     std::byte* X = nullptr;
     std::uint64_t L = 0;
     std::int64_t exp = 0;
-
-    const Transform& transform(std::uint32_t tasks) const { return tasks < 2 ? *serial : *parallel; }
 };
 
 /// The table of one run.

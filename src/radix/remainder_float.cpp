@@ -23,7 +23,8 @@ void RemainderFloatB::set_inverse_fmul(const ReadyPowers& table, unsigned level,
     const std::int64_t low_position = low + power.exp;
     if (top_position < 0) throw AlgorithmFailedException(function, "Unexpected: tmag < 0");
 
-    const Transform& transform = power.transform(pars.tds);
+    TransformObject object;
+    const Transform& transform = plan_product(object, plan, pars.tds);
     const auto capacity_words = static_cast<std::int64_t>(transform.capacity_bits / 32);
     if (capacity_words < P || top_position - low_position + P > 2 * capacity_words)
         throw InvalidParametersException(function, "Truncated Range");

@@ -24,6 +24,15 @@ public:
         return {size.transform_bytes, size.scratch_bytes};
     }
 
+    ProductBounds bounds(std::uint64_t above, std::uint64_t words, std::uint32_t tds) const override {
+        ProductBounds all;
+        for_hybrid_rows(bits_of(above) + 1, bits_of(words), [&](const HybridRow& row) {
+            const HybridSize size(row, tds);
+            all.include(TransformSizes{size.transform_bytes, size.scratch_bytes});
+        });
+        return all;
+    }
+
     const Transform& params(TransformObject& object, std::uint64_t words, std::uint32_t tds) const override {
         return object.emplace<HNTTransform>(bits_of(words), tds);
     }

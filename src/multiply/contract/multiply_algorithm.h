@@ -5,6 +5,8 @@
 #include "multiply/contract/transform.h"
 #include "multiply/words/word_types.h"
 
+#include <algorithm>
+
 namespace zvp {
 
 class MultiplyTables;
@@ -15,6 +17,24 @@ struct TransformSizes {
     std::uint64_t scratch_bytes = 0;
 
     std::uint64_t total() const { return 2 * transform_bytes + scratch_bytes; }
+};
+
+/// What is enough for every product of a set: the largest forward form, the largest working memory beyond the forms, and
+/// the largest total, each on its own. No product of the set needs the first two at once, so that `total` is less than
+/// their sum where forms and scratch trade against each other.
+struct ProductBounds {
+    std::uint64_t transform_bytes = 0;
+    std::uint64_t scratch_bytes = 0;
+    std::uint64_t total = 0;
+
+    void include(const TransformSizes& sizes) {
+        include(ProductBounds{sizes.transform_bytes, sizes.scratch_bytes, sizes.total()});
+    }
+    void include(const ProductBounds& other) {
+        transform_bytes = std::max(transform_bytes, other.transform_bytes);
+        scratch_bytes = std::max(scratch_bytes, other.scratch_bytes);
+        total = std::max(total, other.total);
+    }
 };
 
 /// Lengths are in words of the kind; a product's length is the sum of its operands' lengths. Objects are stateless.
@@ -31,6 +51,15 @@ public:
 
     /// Enough for every split of `length` into two operands.
     virtual TransformSizes sizes(std::uint64_t length, std::uint32_t tds) const = 0;
+
+    /// Enough for every product of more than `above` and at most `length` words, by any number of tasks up to `tds`. The
+    /// base suits algorithms whose sizes don't fall as the length rises.
+    virtual ProductBounds bounds(std::uint64_t above, std::uint64_t length, std::uint32_t tds) const {
+        static_cast<void>(above);
+        ProductBounds bounds;
+        bounds.include(sizes(length, tds));
+        return bounds;
+    }
 
     /// Makes the transform object for products of `length` words.
     virtual const Transform& params(TransformObject& object, std::uint64_t length, std::uint32_t tds) const = 0;

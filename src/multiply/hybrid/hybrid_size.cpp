@@ -21,6 +21,12 @@ std::uint64_t ring_bytes(std::size_t n, const FftLength& ring) {
     return round_to_line(std::max<std::uint64_t>(8 * n + MULB::mul_scratch(n), 8 * n + 64));
 }
 
+/// The most tasks that a pass can employ: one for each column of two operands, or for each row.
+std::uint64_t most_tasks(unsigned k, std::size_t n) {
+    const unsigned column_levels = cache_split(k, n);
+    return std::max(std::uint64_t{2} << (k - column_levels), std::uint64_t{1} << column_levels);
+}
+
 const HybridRow* first_of_capacity(std::span<const HybridRow> rows, std::uint64_t bits) {
     const auto below = [](const HybridRow& row, std::uint64_t wanted) { return row.capacity_bits() < wanted; };
     const auto found = std::lower_bound(rows.begin(), rows.end(), bits, below);
@@ -56,12 +62,10 @@ unsigned cache_split(unsigned k, std::size_t n) {
 HybridSize::HybridSize(HybridRow row, std::uint32_t tds)
     : k(row.k), m(row.m), n(row.n()), stride(n + 1), c(row.coefficient_words()), capacity_bits(row.capacity_bits()) {
     if (n >= least_fft_ring) ring = fft_ring_length(32 * std::uint64_t{n});
-    task_levels = 0;
-    while (task_levels < k && (std::uint64_t{1} << task_levels) < tds) ++task_levels;
-    tasks = std::min<std::uint32_t>(std::max<std::uint32_t>(tds, 1), std::uint32_t{1} << task_levels);
+    tasks = static_cast<std::uint32_t>(std::min<std::uint64_t>(std::max<std::uint32_t>(tds, 1), most_tasks(k, n)));
     transform_bytes = round_to_line((4 * std::uint64_t{stride}) << k);
     ring_scratch_bytes = round_to_line(ring_bytes(n, ring));
-    scratch_bytes = ring_scratch_bytes << task_levels;
+    scratch_bytes = ring_scratch_bytes * tasks;
 }
 
 } // namespace zvp

@@ -7,6 +7,7 @@
 
 #include "multiply/fft/fft_length.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -37,9 +38,23 @@ std::uint64_t largest_hybrid_ring_bits(std::uint64_t bits);
 std::span<const HybridRow> hybrid_rows();
 std::span<const HybridRow> long_hybrid_rows();
 
+/// Calls visit(row) for every row that products of `least` to `most` bits take.
+template <class Visit>
+void for_hybrid_rows(std::uint64_t least, std::uint64_t most, Visit&& visit) {
+    for (const auto rows : {hybrid_rows(), long_hybrid_rows()}) {
+        for (const HybridRow& row : rows) {
+            if (row.capacity_bits() < least) continue;
+            visit(row);
+            if (row.capacity_bits() >= most) return;
+        }
+        least = std::max(least, rows.back().capacity_bits() + 1); // shorter products don't get to the second list
+    }
+}
+
 /// One size and how tasks divide it.
 struct HybridSize {
-    /// tds: as many tasks as the passes shall be cut for; 0 counts as 1.
+    /// tds: as many tasks as the passes shall be cut for; 0 counts as 1. Tasks that no pass could give anything to do are
+    /// left out, and so is their scratch.
     HybridSize(HybridRow row, std::uint32_t tds);
 
     unsigned k;
@@ -48,8 +63,7 @@ struct HybridSize {
     std::size_t stride; // words of an element
     std::size_t c;      // words of an operand in a point
     std::uint64_t capacity_bits;
-    FftLength ring;       // of ring products, where n is at least least_fft_ring
-    unsigned task_levels; // binary
+    FftLength ring; // of ring products, where n is at least least_fft_ring
     std::uint32_t tasks;
     std::uint64_t transform_bytes;
     std::uint64_t ring_scratch_bytes; // for one task

@@ -8,15 +8,26 @@ namespace zvp {
 
 namespace {
 
-/// Calls visit(algorithm, length) for what products of at most `length` words can take of each row: all of a row that
-/// ends below `length`, and the row that covers it.
+/// Calls visit(algorithm, above, reached) for what products of at most `length` words can take of each row: those of more
+/// than `above` and at most `reached` words.
 template <class Table, class Visit>
 void walk_rows(const Table& table, std::uint64_t length, const char* function, Visit&& visit) {
+    std::uint64_t above = 0;
     for (const auto& row : table.rows) {
-        visit(*row.algorithm, std::min(row.limit, length));
+        visit(*row.algorithm, above, std::min(row.limit, length));
         if (length <= row.limit) return;
+        above = row.limit;
     }
     table.throw_limit(function, length);
+}
+
+template <class Table>
+ProductBounds bounds_of(const Table& table, std::uint64_t length, std::uint32_t tds, const char* function) {
+    ProductBounds all;
+    walk_rows(table, length, function, [&](const auto& algorithm, std::uint64_t above, std::uint64_t reached) {
+        all.include(algorithm.bounds(above, reached, tds));
+    });
+    return all;
 }
 
 } // namespace
@@ -48,32 +59,23 @@ template <class Word>
 std::uint64_t AlgorithmTableB<Word>::mSBsize(std::uint64_t length, std::uint32_t tds, bool all_rows) const {
     const auto& top = this->get_algorithm(length);
     if (!all_rows) return top.total(length, tds);
-    std::uint64_t most = 0;
-    walk_rows(*this, length, "AlgorithmTableB::mSBsize()", [&](const auto& algorithm, std::uint64_t reached) {
-        most = std::max(most, algorithm.total(reached, tds));
-    });
-    return most;
+    return bounds_of(*this, length, tds, "AlgorithmTableB::mSBsize()").total;
 }
 
 template <class Word>
 std::uint64_t AlgorithmTableB<Word>::mSBsizes(std::uint64_t& transform_bytes, std::uint64_t& scratch_bytes,
                                               std::uint64_t length, std::uint32_t tds) const {
-    transform_bytes = 0;
-    scratch_bytes = 0;
-    std::uint64_t most = 0;
-    walk_rows(*this, length, "AlgorithmTableB::mSBsizes()", [&](const auto& algorithm, std::uint64_t reached) {
-        const TransformSizes sizes = algorithm.sizes(reached, tds);
-        transform_bytes = std::max(transform_bytes, sizes.transform_bytes);
-        scratch_bytes = std::max(scratch_bytes, sizes.scratch_bytes);
-        most = std::max(most, sizes.total());
-    });
-    return most;
+    const ProductBounds all = bounds_of(*this, length, tds, "AlgorithmTableB::mSBsizes()");
+    transform_bytes = all.transform_bytes;
+    scratch_bytes = all.scratch_bytes;
+    return all.total;
 }
 
 template <class Word>
 void AlgorithmTableB<Word>::ensure_tables(MultiplyTables& tables, std::uint64_t length) const {
-    walk_rows(*this, length, "AlgorithmTableB::ensure_tables()",
-              [&](const auto& algorithm, std::uint64_t reached) { algorithm.ensure_tables(tables, reached); });
+    walk_rows(
+        *this, length, "AlgorithmTableB::ensure_tables()",
+        [&](const auto& algorithm, std::uint64_t, std::uint64_t reached) { algorithm.ensure_tables(tables, reached); });
 }
 
 template class AlgorithmTable<MultiplyAlgorithm<c32i>>;

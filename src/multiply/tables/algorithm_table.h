@@ -42,11 +42,13 @@ class AlgorithmTableB : public AlgorithmTable<MultiplyAlgorithm<Word>> {
 public:
     using AlgorithmTable<MultiplyAlgorithm<Word>>::AlgorithmTable;
 
-    /// Scratch bytes for a product of `length` words, or, with all_rows, for every product of at most that length.
+    /// Scratch bytes for a product of `length` words by `tds` tasks, or, with all_rows, for every product of at most that
+    /// length by any number of tasks up to `tds`. What a product needs neither rises with its length nor with its tasks
+    /// everywhere: a plan for products that may become shorter asks with all_rows.
     std::uint64_t mSBsize(std::uint64_t length, std::uint32_t tds, bool all_rows) const;
 
     /// The largest forward form and the largest working memory (each on its own) of all products of at most `length`
-    /// words; returns what the largest of them needs as a whole.
+    /// words by any number of tasks up to `tds`; returns the largest total of two forms and their working memory.
     std::uint64_t mSBsizes(std::uint64_t& transform_bytes, std::uint64_t& scratch_bytes, std::uint64_t length,
                            std::uint32_t tds) const;
 

@@ -63,23 +63,20 @@ TEST(HybridSize, RingsOfEveryLengthUpToTheAskedAreCovered) {
     EXPECT_EQ(largest_hybrid_ring_bits(hybrid_max_bits), 32U * 245760);
 }
 
-TEST(HybridSize, TasksAndMemory) {
+TEST(HybridSize, TasksWithoutWorkTakeNoMemory) {
     const struct {
-        std::uint32_t tds;
-        unsigned levels;
-        std::uint32_t tasks;
-    } cuts[]{{0, 0, 1}, {1, 0, 1}, {2, 1, 2}, {3, 2, 3}, {8, 3, 8}, {9, 4, 9}, {16, 4, 16}, {17, 4, 16}, {~0U, 4, 16}};
-    const HybridRow fft{4, 192}, karatsuba{4, 96};
-    const FftLength ring = fft_ring_length(768);
-    for (const auto& [tds, levels, tasks] : cuts) {
-        const HybridSize size(fft, tds), small(karatsuba, tds);
-        EXPECT_EQ(size.task_levels, levels) << tds;
+        HybridRow row;
+        std::uint32_t tds, tasks;
+    } cuts[]{{{4, 192}, 0, 1},   {{4, 192}, 1, 1},   {{4, 192}, 3, 3},     {{4, 192}, 8, 8},       {{4, 192}, 9, 8},
+             {{4, 192}, ~0U, 8}, {{9, 288}, 24, 24}, {{9, 288}, 4096, 64}, {{14, 42}, 65536, 512}, {{14, 42}, 96, 96}};
+    for (const auto& [row, tds, tasks] : cuts) {
+        const HybridSize size(row, tds);
+        const FftLength ring = fft_ring_length(32 * row.n());
         EXPECT_EQ(size.tasks, tasks) << tds;
-        EXPECT_EQ(size.transform_bytes, 1600U);
-        EXPECT_EQ(size.scratch_bytes, (2 * fft_transform_bytes(ring) + fft_scratch_bytes(ring)) << levels) << tds;
-        const std::uint64_t product = std::max<std::uint64_t>(8 * 12 + MULB::mul_scratch(12), 8 * 12 + 64);
-        EXPECT_EQ(small.scratch_bytes, ((product + 63) / 64 * 64) << levels) << tds;
+        EXPECT_EQ(size.scratch_bytes, (2 * fft_transform_bytes(ring) + fft_scratch_bytes(ring)) * tasks) << tds;
     }
+    const std::uint64_t product = std::max<std::uint64_t>(8 * 12 + MULB::mul_scratch(12), 8 * 12 + 64);
+    EXPECT_EQ(HybridSize({4, 96}, 5).scratch_bytes, 5 * ((product + 63) / 64 * 64));
 }
 
 TEST(HybridSize, PassesStayInTheCache) {
