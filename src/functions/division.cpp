@@ -21,7 +21,8 @@ constexpr const char* function = "Division_BigFloatR::run()";
 /// has another.
 std::uint64_t checked_residual(const StepWatch& watch, const BigFloat& E, std::uint64_t n, std::uint64_t r,
                                std::int64_t bound, bool N_sign, int carry) {
-    const std::uint64_t e = watch.residue(E), all = watch.on && carry != 0 ? pow_word(bound) : 0;
+    if (!watch.on) return 0;
+    const std::uint64_t e = watch.residue(E), all = carry != 0 ? pow_word(bound) : 0;
     const std::uint64_t difference = subtract_mod(n, carry < 0 ? subtract_mod(r, all) : add_mod(r, all));
     if (E.L > 0 && difference != (E.sign == N_sign ? e : hash_negate(e))) watch.fail();
     if (E.L == 0 && difference != 0) watch.fail();
@@ -34,6 +35,12 @@ std::uint64_t checked_residual(const StepWatch& watch, const BigFloat& E, std::u
 /// it than N.
 int set_residual(BigFloat& E, std::size_t p, const ParallelContext& ctx, const BigFloat& N, const BigFloat& R,
                  std::int64_t bound, bool N_sign) {
+    if (is_dry(E.buffer)) {
+        E.set_sub(p, ctx, N, R);
+        const std::int64_t length = bound - 2 - E.exp;
+        E.L = static_cast<std::size_t>(std::clamp<std::int64_t>(length, 1, static_cast<std::int64_t>(E.L)));
+        return 0;
+    }
     constexpr wtype ones = ~wtype{0};
     const wtype topA = R.get_word(bound - 1);
     const wtype topB = N.get_word(bound - 1);

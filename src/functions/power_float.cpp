@@ -105,7 +105,7 @@ void Power_BF_uL_BigFloatR::run(const MultiplyParameters& pars, StatusNode* stat
     const std::size_t w = run_p + 1 + (n >> 32 != 0 ? 1 : 0);
     if (n == 0) {
         T = BigFloat(T.buffer, T.capacity);
-        T.T[0] = 1;
+        if (!is_dry(T.T)) T.T[0] = 1;
         T.L = 1;
         T.sign = true;
         return;

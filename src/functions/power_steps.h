@@ -13,6 +13,7 @@ namespace zvp {
 
 /// Moves low zero words into the exponent, in multiples of 16 so that T stays aligned: they never enter a transform.
 inline void trim_low_zeros(BigFloat& T) {
+    if (is_dry(T.T)) return;
     std::size_t zeros = 0;
     while (zeros < T.L && T.T[zeros] == 0) ++zeros;
     zeros &= ~std::size_t{15};

@@ -25,7 +25,7 @@ void square(const MultiplyParameters& pars, BigFloat& T, std::size_t w) {
 void set_word(BigFloat& T, wtype x) {
     T = BigFloat(T.buffer, T.capacity);
     if (x == 0) return;
-    T.T[0] = x;
+    if (!is_dry(T.T)) T.T[0] = x;
     T.L = 1;
     T.sign = true;
 }

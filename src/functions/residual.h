@@ -41,6 +41,7 @@ struct ResidualCheck {
     Estimate take_window(BigFloat& T, std::int64_t eps, const ParallelContext& ctx) const;
 
 private:
+    Estimate take_dry(BigFloat& T) const;
     Estimate take(BigFloat& T, Estimate side, const ParallelContext& ctx) const;
     void check_bound(const char* side, const BigFloat& T) const;
     [[noreturn, gnu::cold]] void fail(wtype top) const;

@@ -32,8 +32,8 @@ std::uint64_t shift_words(std::uint64_t h, std::int64_t words) { return mul_mod(
 std::uint64_t subtract_mod(std::uint64_t a, std::uint64_t b) { return add_mod(a, hash_negate(b)); }
 
 StepWatch::StepWatch(const char* function_, const TransformHelper& helper_, bool on_)
-    : on(on_),
-      sees_products(on_ && !helper_.transform().product_words(helper_.M(), 1).empty()),
+    : on(on_ && !is_dry(helper_.M())),
+      sees_products(on && !helper_.transform().product_words(helper_.M(), 1).empty()),
       function(function_),
       helper(helper_) {}
 

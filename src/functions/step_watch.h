@@ -44,7 +44,7 @@ struct WatchedProduct {
     std::uint64_t above = 0;  // of Z's words from te on, over W^te
 };
 
-/// One step's watch. Where it is off, residues are 0 and nothing is checked. A mismatch throws AlgorithmFailedException in
+/// One step's watch. Where it is off, as in a dry run, residues are 0 and nothing is checked. A mismatch throws AlgorithmFailedException in
 /// the name of `function`.
 class StepWatch {
 public:

@@ -56,10 +56,10 @@ void BigFloat::set_BigFloat(std::size_t p, const ParallelContext& ctx, const Big
     sign = A.sign;
 }
 
-BigFloat::Word BigFloat::get_word(std::int64_t pos) const { return pos < exp || pos >= top() ? 0 : T[pos - exp]; }
+BigFloat::Word BigFloat::get_word(std::int64_t pos) const { return pos < exp || pos >= top() || is_dry(T) ? 0 : T[pos - exp]; }
 
 void BigFloat::check_normalization() const {
-    if (L > 0 && T[L - 1] == 0) fatal_stop("BigFloat::check_normalization(): Top word is zero.");
+    if (L > 0 && !is_dry(T) && T[L - 1] == 0) fatal_stop("BigFloat::check_normalization(): Top word is zero.");
 }
 
 namespace {
@@ -78,6 +78,7 @@ int compare_words(const wtype* A, const wtype* B, std::size_t n) {
 int ucmp(const BigFloat& A, const BigFloat& B) {
     if (A.L == 0 || B.L == 0) return (A.L != 0) - (B.L != 0);
     if (A.top() != B.top()) return A.top() < B.top() ? -1 : 1;
+    if (is_dry(A.T) || is_dry(B.T)) return 1;
     const std::size_t common = std::min(A.L, B.L);
     if (const int order = compare_words(A.T + A.L - common, B.T + B.L - common, common)) return order;
     if (top_length(wtype{0}, A.T, A.L - common) > 0) return 1;

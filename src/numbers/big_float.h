@@ -31,6 +31,7 @@
 
 #include "multiply/contract/multiply_parameters.h"
 #include "multiply/words/word_window.h"
+#include "parallel/memory/dry_run.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -176,7 +177,10 @@ private:
     void start(const char* function, std::size_t needed);
     void check_room(const char* function, std::size_t needed) const;
     void set_zero(bool zero_sign);
-    void append(Word top_word) { T[L++] = top_word; }
+    void append(Word top_word) {
+        if (!is_dry(T)) T[L] = top_word;
+        ++L;
+    }
     void drop_top_zeros(const ParallelContext& ctx);
     bool strip_ones(const ParallelContext& ctx);
     void set_signed_sum(std::size_t p, const ParallelContext& ctx, const BigFloat& A, const BigFloat& B, bool flip);

@@ -1,6 +1,7 @@
 #include "numbers/big_float.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 
 namespace zvp {
@@ -32,6 +33,15 @@ void BigFloat::set_double(double x, std::int64_t e) {
     if (x != x || parts.fraction == 0) return set_zero(false);
     constexpr std::size_t words = (fraction_bits + w) / w;
     start("BigFloat::set_double()", words);
+    if (is_dry(T)) {
+        std::array<Word, words + 1> shown;
+        BigFloat value(shown.data(), shown.size());
+        value.set_double(x, e);
+        L = shown.size();
+        exp = value.top() - static_cast<std::int64_t>(L);
+        sign = value.sign;
+        return check_room("BigFloat::mul_uW()", L);
+    }
     T[0] = static_cast<Word>(parts.fraction);
     L = 1;
     if constexpr (words > 1) {
@@ -46,6 +56,7 @@ void BigFloat::set_double(double x, std::int64_t e) {
 
 double BigFloat::to_double(std::int64_t& out_e) const {
     out_e = top();
+    if (is_dry(T)) return sign ? 0.5 : -0.5;
     constexpr std::size_t words = 64 / w + 1; // a top word of 1 needs 53 more bits
     constexpr double scale = 1.0 / (2.0 * (Word{1} << (w - 1)));
     double d = 0.0;

@@ -25,6 +25,7 @@ std::uint64_t limb(const WordWindow& A) {
 
 /// T = the words of A * B from the word s on, for operands of at most a limb: one widening multiply.
 void multiply_limbs(wtype* T, std::size_t s, const WordWindow& A, const WordWindow& B) {
+    if (is_dry(T)) return;
     const unsigned __int128 product = static_cast<unsigned __int128>(limb(A)) * limb(B) >> s * BigFloat::w;
     const std::uint64_t limbs[2] = {static_cast<std::uint64_t>(product), static_cast<std::uint64_t>(product >> 64)};
     const std::size_t n = A.L + B.L - s;
@@ -36,6 +37,7 @@ void multiply_limbs(wtype* T, std::size_t s, const WordWindow& A, const WordWind
 /// T = the words from s on of the n words that write(target) makes; by way of the stack if any are cut.
 template <class Write>
 void write_from(wtype* T, std::size_t s, std::size_t n, Write&& write) {
+    if (is_dry(T)) return;
     if (s == 0) return write(T);
     wtype whole[direct_words];
     write(whole);
@@ -67,7 +69,7 @@ void write_from(wtype* T, std::size_t s, std::size_t n, Write&& write) {
 
 /// T has the top `kept` words of A * B.
 void BigFloat::finish_product(const WordWindow& A, const WordWindow& B, std::size_t kept, bool product_sign) {
-    L = kept - (T[kept - 1] == 0);
+    L = kept - (!is_dry(T) && T[kept - 1] == 0);
     exp = A.exp + B.exp + static_cast<std::int64_t>(A.L + B.L - kept);
     sign = product_sign;
 }

@@ -7,6 +7,7 @@ namespace zvp {
 
 /// Removes low zero words and top words of all ones; returns whether there were such top words.
 bool BigFloat::strip_ones(const ParallelContext& ctx) {
+    if (is_dry(T)) return true;
     const auto low = static_cast<std::size_t>(std::find_if(T, T + L, [](Word x) { return x != 0; }) - T);
     T += low;
     L -= low;

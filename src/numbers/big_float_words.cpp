@@ -37,8 +37,8 @@ void BigFloat::set_mul_uW(std::size_t p, const ParallelContext& ctx, const BigFl
     if (A.L == 0) return set_zero(false);
     const WordWindow a = A.top_words(p + 1);
     start("BigFloat::set_mul_uW()", a.L + 2);
-    MULB::mulB(a.T, a.L, words, 2, T);
-    L = a.L + 2 - (T[a.L + 1] == 0);
+    if (!is_dry(T)) MULB::mulB(a.T, a.L, words, 2, T);
+    L = a.L + 2 - (!is_dry(T) && T[a.L + 1] == 0);
     exp = a.exp;
     sign = A.sign != (x < 0);
 }
@@ -55,6 +55,7 @@ void BigFloat::set_div_sW(std::size_t p, const ParallelContext& ctx, const BigFl
     exp = a.exp - static_cast<std::int64_t>(below);
     sign = A.sign != (x < 0);
 
+    if (is_dry(T)) return;
     if (x == -1) { // the divider takes no 1
         bp_copy(T + below, a.T, a.L * sizeof(Word), ctx);
         bp_fill(T, below, Word{0}, ctx);
@@ -79,12 +80,12 @@ void BigFloat::add_ip(Word word, std::int64_t pos) {
     const auto index = static_cast<std::size_t>(pos - exp);
     if (index == L && word != 0)
         append(word);
-    else if (add_word(T + index, L - index, word))
+    else if (!is_dry(T) && add_word(T + index, L - index, word))
         append(1);
 }
 
 void BigFloat::purturb_up(std::size_t k) {
-    if (L == 0) return;
+    if (L == 0 || is_dry(T)) return;
     ZVP_ASSERT(k < L);
     if (!add_word(T + k, L - k, Word{1})) return;
     check_room("BigFloat::purturb_up()", static_cast<std::size_t>(T - buffer) + L + 1);

@@ -86,11 +86,11 @@ void ExactFloat<Word>::set_mul(const MultiplyParameters& pars, const ExactFloat&
     start("ExactFloat::set_mul()", zero ? 0 : n);
     hash = mul_mod(A.hash, B.hash);
     if (zero) return set_zero(false);
-    if (n < basecase_clen)
+    if (n < basecase_clen && !is_dry(T))
         multiply_schoolbook(T, A.T, A.L, B.T, B.L);
-    else
+    else if (n >= basecase_clen)
         mul(pars, T, A.T, A.L, B.T, B.L);
-    L = n - (T[n - 1] == 0);
+    L = n - (!is_dry(T) && T[n - 1] == 0);
     exp = A.exp + B.exp;
     sign = A.sign == B.sign;
 }

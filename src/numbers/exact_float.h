@@ -17,6 +17,7 @@
 #include "multiply/contract/multiply_parameters.h"
 #include "multiply/words/word_types.h"
 #include "numbers/basic_int.h"
+#include "parallel/memory/dry_run.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -106,7 +107,10 @@ public:
 private:
     void start(const char* function, std::size_t needed);
     void set_zero(bool zero_sign);
-    void append(Word top_word) { T[L++] = top_word; }
+    void append(Word top_word) {
+        if (!is_dry(T)) T[L] = top_word;
+        ++L;
+    }
     const Word* at(std::int64_t position) const { return T + (position - exp); }
     Word* at(std::int64_t position) { return T + (position - exp); }
 

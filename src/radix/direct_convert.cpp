@@ -112,7 +112,12 @@ private:
         pars.ML = scratch.bytes;
         lower.set_inverse_fmul(powers, level, input, pars);
     }
+    /// In a dry run an upper half is walked only beside a lower half of fewer words: one of as many has less room.
+    bool walks_upper(const RemainderFloatB& input, std::uint64_t top, std::uint64_t out_len) const {
+        return !is_dry(input.end) || out_len - top < top;
+    }
     void repair(std::uint32_t* out_end, std::uint64_t top, std::uint32_t actual) const {
+        if (is_dry(out_end)) return;
         std::uint32_t* const upper = out_end - top;
         repair_overlap(table.R, upper, top, upper[-1], actual);
     }
@@ -179,7 +184,7 @@ std::uint32_t Conversion::convertP(StatusNode* status, unsigned level, std::uint
         if (framework != nullptr) {
             framework->run_in_parallel(upper_half, lower_half);
         } else {
-            upper_half.run(0);
+            if (walks_upper(input, top, out_len)) upper_half.run(0);
             lower_half.run(0);
         }
     }
@@ -190,7 +195,8 @@ std::uint32_t Conversion::convertP(StatusNode* status, unsigned level, std::uint
 std::uint32_t Conversion::convertL(unsigned level, std::uint32_t* out_end, std::uint64_t out_len, RemainderFloatB input,
                                    AlignedBufferC<64> scratch) const {
     level = lowered(level, out_len);
-    if (level == 0) return convert_leaf(table.R, out_end, out_len, input.end, input.length);
+    if (level == 0)
+        return is_dry(input.end) ? 0 : convert_leaf(table.R, out_end, out_len, input.end, input.length);
     --level;
     const std::uint64_t P = table.levels[level].p_words;
     if (input.capacity < 2 * P) throw BufferTooSmallException("convertL()", input.capacity, 2 * P);
@@ -200,7 +206,7 @@ std::uint32_t Conversion::convertL(unsigned level, std::uint32_t* out_end, std::
 
     const std::uint64_t top = table.shape.b << level;
     const std::uint32_t overlap = convertL(level, out_end - top, out_len - top, lower, scratch);
-    repair(out_end, top, convertL(level, out_end, top, input, scratch));
+    if (walks_upper(input, top, out_len)) repair(out_end, top, convertL(level, out_end, top, input, scratch));
     return overlap;
 }
 
@@ -210,6 +216,7 @@ public:
     WindowCopy(std::uint32_t* out_, std::int64_t pos_, std::uint64_t n_, const BigFloat& x_, std::uint32_t tasks_)
         : out(out_), pos(pos_), n(n_), x(x_), tasks(tasks_) {}
     void run(std::uint32_t index) override {
+        if (is_dry(out)) return;
         const std::uint64_t begin = n / tasks * index;
         const std::uint64_t end = index + 1 == tasks ? n : begin + n / tasks;
         x.read_window(pos + static_cast<std::int64_t>(begin), end - begin, out + begin);
@@ -240,7 +247,7 @@ void DirectConvertB::run(const MultiplyParameters& pars, StatusNode* status, std
         throw InvalidParametersException(run_name, "Attempted to run with a larger tds than the plan supports.");
     if (buffer.bytes < total_bytes) throw BufferTooSmallException(run_name, buffer.bytes, total_bytes);
     if (out_len == 0) return;
-    table.check_tables(pars);
+    table.check_tables(pars, buffer.pointer);
     AlignedBufferC<64> forms = buffer.spawn(table.forms_bytes);
     const ReadyPowers powers(table, pars, status, forms, buffer);
 

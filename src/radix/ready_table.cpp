@@ -42,6 +42,16 @@ std::size_t strip_low_zeros(ExactNumber& A) {
     return zeros;
 }
 
+/// In a dry run: as long as the power of `level` may be, without its zero words.
+void set_dry_power(ExactNumber& A, const ReadyTableB& table, unsigned level) {
+    const ConvertLevel& plan = table.levels[level];
+    A.T = A.buffer;
+    A.L = radix_words(table.R, table.shape.b << level) + 1 - plan.zero_words;
+    A.exp = static_cast<std::int64_t>(plan.zero_words);
+    A.sign = true;
+    A.hash = 0;
+}
+
 /// R^n for a few words, by word multiplies; the residue doesn't come from the words.
 void set_small_power(ExactNumber& A, std::uint32_t R, std::uint64_t n) {
     A.T = A.buffer;
@@ -139,12 +149,10 @@ void ReadyTableB::ensure_tables(MultiplyTables& tables) const {
     if (shape.levels > 0) algorithm_table<wtype>().ensure_tables(tables, levels[shape.levels - 1].mul_words);
 }
 
-void ReadyTableB::check_tables(const MultiplyParameters& pars) const {
+void ReadyTableB::check_tables(const MultiplyParameters& pars, const std::byte* M) const {
     if (shape.levels == 0) return;
     TransformObject object;
-    MultiplyParameters unlimited = pars;
-    unlimited.ML = ~std::size_t{0};
-    check_buffers(plan_product(object, levels[shape.levels - 1], pars.tds), unlimited);
+    zvp::check_tables("check_buffers()", plan_product(object, levels[shape.levels - 1], pars.tds), pars.tables, M);
 }
 
 ReadyPowers::ReadyPowers(const ReadyTableB& plan_, const MultiplyParameters& pars, StatusNode* status,
@@ -166,7 +174,8 @@ void ReadyPowers::make_tables(const MultiplyParameters& pars, StatusNode* status
     const LinearWordBuffer even = last > 0 ? scratch.spawn_words(plan.power_words(last - 1)) : odd;
     ExactNumber power(odd.pointer, odd.words), other(even.pointer, even.words);
     if (last % 2 != 0) std::swap(power, other);
-    set_small_power(power, plan.R, plan.shape.b);
+    const bool dry = is_dry(power.buffer);
+    dry ? set_dry_power(power, plan, 0) : set_small_power(power, plan.R, plan.shape.b);
 
     for (unsigned i = 0; i <= last; ++i) {
         show_size(status, power.L);
@@ -182,7 +191,7 @@ void ReadyPowers::make_tables(const MultiplyParameters& pars, StatusNode* status
         ExactFloatTransformR<wtype> form;
         if (i < last) {
             ExactFloatTransformR<wtype>::sqr_rx_xf(pars, transform, M, other, Xd, power, record.X, form);
-            strip_low_zeros(other);
+            dry ? set_dry_power(other, plan, i + 1) : void(strip_low_zeros(other));
         } else {
             if (power.residue(pars) != normalize_hash(power.hash))
                 throw AlgorithmFailedException("ReadyTableB::make_tables()", "Checksum Mismatch");

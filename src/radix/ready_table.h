@@ -52,7 +52,7 @@ public:
     void ensure_tables(MultiplyTables& tables) const;
 
     /// Throws LimitExceededException if pars.tables weren't built for these products.
-    void check_tables(const MultiplyParameters& pars) const;
+    void check_tables(const MultiplyParameters& pars, const std::byte* M) const;
 
     const std::uint32_t R;
     const ConvertShape shape;

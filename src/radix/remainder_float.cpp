@@ -40,6 +40,8 @@ void RemainderFloatB::set_inverse_fmul(const ReadyPowers& table, unsigned level,
     const std::size_t stop = start + window.n();
     std::byte* const Xa = pars.M;
     std::byte* const M = Xa + transform.transform_bytes;
+    DryRun::reach(M + transform.scratch_bytes);
+    if (is_dry(fraction)) return;
     transform.mul_rf_xf(pars, M, fraction + start, window.s, window.e, Xa, input.end + low,
                         static_cast<std::size_t>(AL), power.X);
     std::fill(fraction, fraction + start, 0);

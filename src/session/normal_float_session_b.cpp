@@ -2,6 +2,7 @@
 
 #include "app/console/number_forms.h"
 #include "functions/iteration_plan.h"
+#include "multiply/tables/algorithm_table.h"
 #include "parallel/memory/carving.h"
 #include "session/session_run.h"
 
@@ -25,7 +26,8 @@ void NormalFloatSessionB::update() {
     plan.reset();
     writer.reset();
     tables = std::make_unique<MultiplyTables>();
-    working_memory = twiddle_memory = 0;
+    working_memory = twiddle_memory = task_scratch = 0;
+    phases.clear();
     obstacle.reset();
     const Constant& constant = *settings->constant;
     const auto refuse = [&](Obstacle found) { obstacle = std::make_unique<const Obstacle>(std::move(found)); };
@@ -39,6 +41,10 @@ void NormalFloatSessionB::update() {
         plan.reset();
         writer.reset();
         refuse({failure.message, failure.clone(), ""});
+    } catch (const BufferTooSmallException& failure) {
+        plan.reset();
+        writer.reset();
+        refuse({"The plan of this computation's memory doesn't hold.", failure.clone(), ""});
     }
 }
 
@@ -52,8 +58,15 @@ void NormalFloatSessionB::make_plans() {
                                             settings->verify_output, partial_product,
                                             size.decimal_digits + guard_decimal_digits, size.decimal_digits,
                                             size.hexadecimal_digits, parallelism->task_decomposition);
-    working_memory = result_bytes + std::max<std::uint64_t>(plan->memory_bytes(), writer->buffer_bytes());
-    ensure_product_tables(*tables, 2 * (working_size.precision_words + 100));
+    const std::size_t longest_product = 2 * (working_size.precision_words + 100);
+    ensure_product_tables(*tables, longest_product);
+    MemoryTrial trial =
+        try_memory(*plan, *writer, *tables,
+                   result_bytes + std::max<std::uint64_t>(plan->memory_bytes(), writer->buffer_bytes()));
+    working_memory = trial.bytes;
+    phases = std::move(trial.phases);
+    std::uint64_t form_bytes;
+    algorithm_table<wtype>().mSBsizes(form_bytes, task_scratch, longest_product, 1);
     twiddle_memory = tables->bytes();
 }
 

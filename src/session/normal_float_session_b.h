@@ -6,6 +6,7 @@
 #include "multiply/contract/multiply_tables.h"
 #include "parallel/memory/allocator_registry.h"
 #include "parallel/tasks/parallelization_settings.h"
+#include "session/memory_trial.h"
 #include "session/normal_float_session.h"
 
 #include <cstdint>
@@ -42,6 +43,8 @@ public:
     std::unique_ptr<MultiplyTables> tables; // wished for by update(), built by a run
     std::unique_ptr<ConstantPlanB> plan;    // null if the settings can't run
     std::unique_ptr<FloatWriterB> writer;   // as the plan
+    std::vector<DryRun::Phase> phases;      // of a run, with the working memory that each asks for
+    std::uint64_t task_scratch = 0;         // bytes of the working memory for each task of the largest product
     std::uint64_t working_memory = 0;       // bytes, without what WorkingMemory adds
     std::uint64_t twiddle_memory = 0;       // bytes
 

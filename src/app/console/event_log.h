@@ -14,11 +14,11 @@ namespace zvp {
 class EventLog {
 public:
     EventLog();
-    ~EventLog();
+    virtual ~EventLog();
     EventLog(const EventLog&) = delete;
     EventLog& operator=(const EventLog&) = delete;
 
-    void log(std::string_view text);
+    virtual void log(std::string_view text);
 
     /// Writes what was logged so far to the file, which is emptied first, and every later entry at once, so that it tells
     /// how far a run came that didn't end. Raises FileException. A file that can't be written to later is given up: no

@@ -31,7 +31,9 @@ int checked_power(int power) {
 }
 
 /// x - 1 for x = sqrt(5), whose integer part is a word.
-void subtract_one(BigFloat& x) { --x.T[-x.exp]; }
+void subtract_one(BigFloat& x) {
+    if (!is_dry(x.T)) --x.T[-x.exp];
+}
 
 /// x / 2 without a shift of words: a product by W/2 that begins a word lower. The word above takes the carry.
 void halve(BigFloat& x, const ParallelContext& ctx) {

@@ -3,6 +3,8 @@
 #include "digits/hash/digit_kernels.h"
 #include "parallel/tasks/parallelization_settings.h"
 
+#include "parallel/memory/dry_run.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -107,11 +109,13 @@ std::uint64_t hash_words(std::uint64_t h, const std::uint64_t* words, std::size_
 
 std::uint64_t hash_words_parallel(std::uint64_t h, const std::uint32_t* words, std::size_t n,
                                   ParallelFramework* framework, std::uint32_t tasks) {
+    if (is_dry(words)) return 0;
     return hash_span_parallel(h, span_of(words, n), framework, tasks);
 }
 
 std::uint64_t hash_words_parallel(std::uint64_t h, const std::uint64_t* words, std::size_t n,
                                   ParallelFramework* framework, std::uint32_t tasks) {
+    if (is_dry(words)) return 0;
     return hash_span_parallel(h, span_of(words, n), framework, tasks);
 }
 

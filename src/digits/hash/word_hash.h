@@ -16,7 +16,7 @@ inline constexpr std::size_t min_parallel_hash_words = 10'000;
 /// [0, p). One pass over the words. h may be unreduced.
 std::uint64_t hash_words(std::uint64_t h, const std::uint32_t* words, std::size_t n);
 
-/// The same by up to 64 tasks of `framework` for 10,000 words and more; `framework` may be null.
+/// The same by up to 64 tasks of `framework` for 10,000 words and more; `framework` may be null. Of words of a dry run: 0.
 std::uint64_t hash_words_parallel(std::uint64_t h, const std::uint32_t* words, std::size_t n,
                                   ParallelFramework* framework, std::uint32_t tasks);
 

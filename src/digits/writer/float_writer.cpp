@@ -49,11 +49,16 @@ std::unique_ptr<const VerifyB> make_verify_plan(bool verify, MultiplyTables& tab
     return plan;
 }
 
-/// One byte for each digit and, behind the next multiple of 4096, the buffer of a file.
+constexpr std::uint64_t page = 4'096;
+
+/// The buffer of a file.
+std::uint64_t transfer_bytes(const DigitOutput& output, std::uint64_t digits) {
+    return output.enabled() ? std::min(file_buffer_bytes, round_up(digits, page) + page) : 0;
+}
+
+/// One byte for each digit and, from the next multiple of 4096 on, the buffer of a file.
 std::uint64_t bytes_of_output(const DigitOutput& output, std::uint64_t digits) {
-    constexpr std::uint64_t page = 4'096;
-    const std::uint64_t buffer = output.enabled() ? std::min(file_buffer_bytes, round_up(digits, page) + page) : 0;
-    return round_up(digits, 64) + page + buffer;
+    return round_up(digits, 64) + page + transfer_bytes(output, digits);
 }
 
 constexpr const char* range_text = "zorvane's radix conversion and digit output is only equipped to handle\n"
@@ -71,6 +76,7 @@ void warn_of_sign(const RunReport& report) {
 /// Throws for a number that has no digits here; with a report, warns of a negative one.
 void check_range(const BigFloat& x, const RunReport* report) {
     constexpr const char* function = "words_to_dec()";
+    if (is_dry(x.T)) return;
     if (x.L == 0)
         throw InvalidParametersException(function, std::string("Number is zero and out of range.\n\n") + range_text);
     if (!x.sign && report) warn_of_sign(*report);
@@ -121,11 +127,13 @@ void FloatWriterB::write(const MultiplyParameters& pars, const RunReport& report
     const std::uint32_t integer = x.get_word(0);
     if (hex_digits != 0) { // in all of the buffer: there are no radix words yet
         check_range(x, nullptr);
-        FloatReaderB stream(x, round_up(hex_digits, hexadecimal_word_digits) / hexadecimal_word_digits);
+        const std::uint64_t hex_words = round_up(hex_digits, hexadecimal_word_digits) / hexadecimal_word_digits;
+        FloatReaderB stream(is_dry(x.T) ? BigFloat() : x, hex_words);
         results.hexadecimal = put_out(pars, report, stream, integer, hex_digits, buffer);
     }
     convert(pars, report, radix_words.pointer, x, rest);
-    auto stream = std::make_unique<FloatReaderB>(radix_words.pointer, words, integer);
+    const std::uint64_t readable = is_dry(radix_words.pointer) ? 0 : words;
+    auto stream = std::make_unique<FloatReaderB>(radix_words.pointer, readable, integer);
     results.decimal = put_out(pars, report, *stream, integer, decimal_digits, rest);
     results.decimal_stream = std::move(stream);
     if (do_verify) verify_all(pars, report, results, x, rest);
@@ -161,6 +169,10 @@ DigitResult FloatWriterB::put_out(const ParallelContext& context, const RunRepor
                                             + (decimal ? "Decimal Digits" : "Hexadecimal Digits"));
     auto* const digits = reinterpret_cast<std::uint8_t*>(buffer.spawn(round_up(D, 64)).pointer);
     DigitResult result(stream.radix);
+    if (is_dry(digits)) {
+        buffer.extract_aligned().spawn(transfer_bytes(digit_writer, D));
+        return result;
+    }
     stream.load_digits(digits, &result.counts, 0, D, {}, context);
     result.counts.hash = add_mod(result.counts.hash, mul_mod(integer, pow_mod(stream.radix, D)));
     result.last.set(D, stream);
@@ -179,14 +191,15 @@ void FloatWriterB::verify(const MultiplyParameters& pars, const RunReport& repor
     const OutputSection section(report, "Verifying Base Conversion");
     if (D > compute_digits || !verify_plan) throw InvalidParametersException(function, "Too many digits.");
     if (buffer.bytes < verify_bytes) throw BufferTooSmallException(function, buffer.bytes, verify_bytes);
+    MultiplyParameters own = pars;
+    own.tds = std::min(pars.tds, tasks);
+    const std::uint64_t fraction_hash = verify_plan->hash_binary(own, section.node(), x, words, buffer);
+    if (is_dry(x.T)) return;
     const std::uint64_t all_digits = radix_word_digits * words;
     DigitCounts all(10, hash);
     stream.load_stats(all, D, all_digits - D, {}, pars);
-    MultiplyParameters own = pars;
-    own.tds = std::min(pars.tds, tasks);
     const std::uint64_t H = normalize_hash(all.hash);
-    const std::uint64_t B = add_mod(verify_plan->hash_binary(own, section.node(), x, words, buffer),
-                                    mul_mod(x.get_word(0), pow_mod(10, all_digits)));
+    const std::uint64_t B = add_mod(fraction_hash, mul_mod(x.get_word(0), pow_mod(10, all_digits)));
     // The words that the conversion cut away may carry into the lowest one: the two may differ by one.
     if (H == B || add_mod(B, 1) == H || add_mod(H, 1) == B) return;
     print_hashes("R = ", H, "B = ", B);
@@ -196,6 +209,7 @@ void FloatWriterB::verify(const MultiplyParameters& pars, const RunReport& repor
 void FloatWriterB::verify_binary_words(const ParallelContext& context, const RunReport& report, std::uint64_t hash,
                                        const BigFloat& x) const {
     const OutputSection section(report, "Verifying Binary Output");
+    if (is_dry(x.T)) return;
     const std::uint64_t whole = hex_digits / hexadecimal_word_digits, part = hex_digits % hexadecimal_word_digits;
     const std::uint64_t fraction = x.L > 0 && x.exp < 0 ? static_cast<std::uint64_t>(-x.exp) : 0;
     const std::uint64_t present = std::min(whole, fraction);

@@ -35,6 +35,7 @@ public:
     void sqr(const MultiplyParameters& pars, Word* T, std::size_t s, std::size_t e, const Word* A,
              std::size_t AL) const override {
         check_memory(this->total(2 * std::uint64_t{AL}, pars.tds), pars);
+        if (is_dry(T)) return;
         const auto range = trim_range(SquareRange<Word>{s, e, A, AL});
         bkt_sqr(pars.M, T, range.s, range.e, range.A, range.AL);
     }
@@ -47,6 +48,7 @@ public:
 
     void mul_unchecked(const MultiplyParameters& pars, Word* T, std::size_t s, std::size_t e, const Word* A,
                        std::size_t AL, const Word* B, std::size_t BL) const override {
+        if (is_dry(T)) return;
         const auto range = trim_range(ProductRange<Word>{s, e, A, AL, B, BL});
         bkt_mul(pars.M, T, range.s, range.e, range.A, range.AL, range.B, range.BL);
     }

@@ -5,6 +5,7 @@
 // An algorithm's ensure_tables() asks; the session allocates bytes() at a multiple of table_alignment and calls place().
 
 #include "multiply/fft/fft_tables.h"
+#include "parallel/memory/dry_run.h"
 
 #include <algorithm>
 #include <concepts>
@@ -60,6 +61,10 @@ public:
         if (wanted > 0) capacity = wanted;
         return memory;
     }
+
+    /// The largest transform, in bits of product, for products with their scratch at M. A dry run goes before the tables
+    /// are built: it may take what was asked for.
+    std::uint64_t limit(const std::byte* M) const { return is_dry(M) && wanted > 0 ? wanted : capacity; }
 
     /// The largest transform, in bits of product, that the tables were built for: all ones while nothing was asked of
     /// them, 0 between asking and building.

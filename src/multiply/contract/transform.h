@@ -12,6 +12,7 @@
 
 #include "multiply/contract/multiply_parameters.h"
 #include "multiply/words/word_types.h"
+#include "parallel/memory/dry_run.h"
 
 #include <new>
 #include <span>
@@ -24,6 +25,9 @@ public:
     virtual ~Transform() = default;
 
     virtual const char* name() const = 0;
+
+    /// What works with the scratch M: this transform, or, in a dry run, one that does nothing.
+    const Transform& at(const std::byte* M) const { return is_dry(M) ? dry_transform() : *this; }
 
     /// X = forward form of A.
     virtual void forward(const MultiplyParameters& pars, std::byte* M, std::byte* X, const c32i* A,
@@ -126,6 +130,9 @@ public:
     std::uint64_t transform_bytes = 0; // one forward form, a multiple of 64
     std::uint64_t scratch_bytes = 0;   // working memory beyond the forward forms, a multiple of 64
     std::uint64_t requested_bits = 0;  // the size asked for
+
+private:
+    static const Transform& dry_transform();
 };
 
 /// Storage for one transform object of any algorithm, on the stack of whoever plans the product.

@@ -21,7 +21,7 @@ public:
         const Transform& transform = this->params(object, 2 * std::uint64_t{AL}, pars.tds);
         check_buffers(transform, pars);
         const MultiplyParameters inner = behind_forms(pars, 1, transform);
-        transform.sqr_r_x(inner, inner.M, T, s, e, pars.M, A, AL);
+        transform.at(inner.M).sqr_r_x(inner, inner.M, T, s, e, pars.M, A, AL);
     }
 
     void mul(const MultiplyParameters& pars, Word* T, std::size_t s, std::size_t e, const Word* A, std::size_t AL,
@@ -43,7 +43,7 @@ private:
                          std::size_t e, const Word* A, std::size_t AL, const Word* B, std::size_t BL) {
         const MultiplyParameters inner = behind_forms(pars, 2, transform);
         std::byte* const Xb = pars.M + transform.transform_bytes;
-        transform.mul_rr_xx(inner, inner.M, T, s, e, pars.M, A, AL, Xb, B, BL);
+        transform.at(inner.M).mul_rr_xx(inner, inner.M, T, s, e, pars.M, A, AL, Xb, B, BL);
     }
 
     /// Parameters for what runs inside: the scratch begins behind the forms, and nobody reports.

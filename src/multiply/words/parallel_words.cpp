@@ -3,6 +3,7 @@
 #include "multiply/words/carry_repair.h"
 #include "multiply/words/word_blocks.h"
 #include "multiply/words/word_loops.h"
+#include "parallel/memory/dry_run.h"
 
 #include <array>
 #include <cstring>
@@ -31,6 +32,7 @@ std::uint32_t blocks_of(const ParallelContext& ctx) { return std::min(tasks_of(c
 template <class Element, class Block>
 void sweep(const Element* T, std::size_t n, std::size_t least, std::size_t unit, const ParallelContext& ctx,
            Block&& block) {
+    if (is_dry(T)) return;
     const std::size_t head = words_to_line(T, n);
     if (tasks_of(ctx) <= 1 || n - head < least) return block(0, n);
     block(0, head);
@@ -56,6 +58,7 @@ void complement(Word* T, const Word* A, std::size_t n, const ParallelContext& ct
 /// borrow.
 template <class Word, class Block>
 bool chain(Word* T, std::size_t n, bool carry, int sign, std::size_t least, const ParallelContext& ctx, Block&& block) {
+    if (is_dry(T)) return false;
     const std::size_t head = words_to_line(T, n);
     if (blocks_of(ctx) < 2 || n - head < least) return block(0, n, carry);
     carry = block(0, head, carry);
@@ -101,6 +104,7 @@ Word apply_high_words(const Word* high, const WordBlocks& split, Word* T, const 
 
 template <class Word>
 Word multiply(Word* T, const Word* A, std::size_t n, Word x, Word carry, const ParallelContext& ctx) {
+    if (is_dry(T)) return 1;
     const std::size_t head = words_to_line(T, n);
     if (blocks_of(ctx) < 2 || n - head < mul_length) return mul_word(T, A, n, x, carry);
     carry = mul_word(T, A, head, x, carry);
@@ -117,6 +121,7 @@ Word multiply(Word* T, const Word* A, std::size_t n, Word x, Word carry, const P
 
 template <class Word>
 int add_carry(int c, Word* T, std::size_t n, const ParallelContext& ctx) {
+    if (is_dry(T)) return 0;
     if (blocks_of(ctx) < 2 || n < add_length) return carry_ripple(c, T, n);
     c = carry_ripple(c, T, carry_try);
     if (c == 0) return 0;
@@ -128,7 +133,7 @@ int add_carry(int c, Word* T, std::size_t n, const ParallelContext& ctx) {
 
 template <class Word>
 std::size_t scan_top(Word word, const Word* T, std::size_t n, const ParallelContext& ctx) {
-    if (n == 0 || T[n - 1] != word) return n;
+    if (n == 0 || is_dry(T) || T[n - 1] != word) return n;
     const std::size_t head = words_to_line(T, n);
     if (blocks_of(ctx) < 2 || n - head < scan_length) return top_length(word, T, n);
     const WordBlocks split = split_blocks(n - head, blocks_of(ctx), scan_length, block_unit);

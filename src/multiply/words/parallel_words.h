@@ -5,6 +5,8 @@
 // Blocks start on cache lines of the target (its words up to the next 64-byte boundary are done first, serially), are
 // multiples of 64 bytes long, and are at most 64, so that what they report fits tables on the stack; bp_copy, bp_fill
 // and bp_not, which report nothing, take as many as the decomposition names. Nothing here allocates.
+// In a dry run (parallel/memory/dry_run.h) nothing is touched: no carry or borrow comes out, a high word does, and no top
+// word is dropped.
 // Lengths are in words. A target may be one of the operands (the same start), but may not overlap one otherwise.
 
 #include "digits/hash/word_hash.h"

@@ -109,7 +109,7 @@ BigFloatTransformR describe(const Transform& tr, const Operand& a, std::byte* X)
 
 BigFloatTransformR make_form(const MultiplyParameters& pars, const Transform& tr, std::byte* M, const Operand& a,
                              std::byte* X) {
-    if (a.L > 0) tr.forward(pars, M, X, a.T, a.L);
+    if (a.L > 0) tr.at(M).forward(pars, M, X, a.T, a.L);
     return describe(tr, a, X);
 }
 
@@ -133,9 +133,9 @@ void BigFloatTransformR::inverse_fmul(const MultiplyParameters& pars, std::byte*
 
     const bool product_sign = sign == B.sign;
     if (X == B.X)
-        params->inverse_fsqr(pars, M, X, X, product.words(), product.s(), product.e());
+        params->at(M).inverse_fsqr(pars, M, X, X, product.words(), product.s(), product.e());
     else
-        params->inverse_fmul(pars, M, X, B.X, product.words(), product.s(), product.e());
+        params->at(M).inverse_fmul(pars, M, X, B.X, product.words(), product.s(), product.e());
     X = nullptr;
     product.finish(product_sign, pars);
 }
@@ -147,7 +147,7 @@ void BigFloatTransformR::inverse_fsqr(const MultiplyParameters& pars, std::byte*
     check_form(function, X);
     Product product(function, *params, T, range_of(ie, te), {exp, L}, {exp, L});
     if (product.empty()) return set_zero(T);
-    params->inverse_fsqr(pars, M, Xd, X, product.words(), product.s(), product.e());
+    params->at(M).inverse_fsqr(pars, M, Xd, X, product.words(), product.s(), product.e());
     if (Xd == X) X = nullptr;
     product.finish(true, pars);
 }
@@ -158,7 +158,7 @@ void BigFloatTransformR::sqr_r_x(const MultiplyParameters& pars, const Transform
     const Operand a(function, tr, A, p);
     Product product(function, tr, T, range_at(p, a, a), a, a);
     if (product.empty()) return set_zero(T);
-    tr.sqr_r_x(pars, M, product.words(), product.s(), product.e(), X, a.T, a.L);
+    tr.at(M).sqr_r_x(pars, M, product.words(), product.s(), product.e(), X, a.T, a.L);
     product.finish(true, pars);
 }
 
@@ -172,7 +172,7 @@ void BigFloatTransformR::sqr_rx_xf(const MultiplyParameters& pars, const Transfo
         out = make_form(pars, tr, M, a, Xf);
         return set_zero(T);
     }
-    tr.sqr_rx_xf(pars, M, product.words(), product.s(), product.e(), Xd, Xf, a.T, a.L);
+    tr.at(M).sqr_rx_xf(pars, M, product.words(), product.s(), product.e(), Xd, Xf, a.T, a.L);
     out = describe(tr, a, Xf);
     product.finish(true, pars);
 }
@@ -188,7 +188,7 @@ void BigFloatTransformR::mul_rf_xf(const MultiplyParameters& pars, const Transfo
     }
     Product product(function, tr, T, range_of(ie, te), a, {B.exp, B.L});
     if (product.empty()) return set_zero(T);
-    tr.mul_rf_xf(pars, M, product.words(), product.s(), product.e(), Xa, a.T, a.L, B.X);
+    tr.at(M).mul_rf_xf(pars, M, product.words(), product.s(), product.e(), Xa, a.T, a.L, B.X);
     product.finish(a.sign == B.sign, pars);
 }
 
@@ -203,7 +203,7 @@ void BigFloatTransformR::mul_rr_xf(const MultiplyParameters& pars, const Transfo
         out = make_form(pars, tr, M, b, Xb);
         return set_zero(T);
     }
-    tr.mul_rr_xf(pars, M, product.words(), product.s(), product.e(), Xa, a.T, a.L, Xb, b.T, b.L);
+    tr.at(M).mul_rr_xf(pars, M, product.words(), product.s(), product.e(), Xa, a.T, a.L, Xb, b.T, b.L);
     out = describe(tr, b, Xb);
     product.finish(a.sign == b.sign, pars);
 }
@@ -216,7 +216,7 @@ void BigFloatTransformR::mul_rr_xx(const MultiplyParameters& pars, const Transfo
     const Operand b(function, tr, B, pB);
     Product product(function, tr, T, range_of(ie, te), a, b);
     if (product.empty()) return set_zero(T);
-    tr.mul_rr_xx(pars, M, product.words(), product.s(), product.e(), Xa, a.T, a.L, Xb, b.T, b.L);
+    tr.at(M).mul_rr_xx(pars, M, product.words(), product.s(), product.e(), Xa, a.T, a.L, Xb, b.T, b.L);
     product.finish(a.sign == b.sign, pars);
 }
 

@@ -57,7 +57,7 @@ public:
 
     /// T holds the words; of a whole product one at most is zero at the top.
     void finish(const ParallelContext& ctx) {
-        const std::size_t L = s == 0 ? e - (T.buffer[e - 1] == 0) : bp_scan_top(Word{0}, T.buffer, e - s, ctx);
+        const std::size_t L = s == 0 && !is_dry(T.buffer) ? e - (T.buffer[e - 1] == 0) : bp_scan_top(Word{0}, T.buffer, e - s, ctx);
         set(L, L > 0 ? exp : 0, L > 0 ? sign : true);
     }
 
@@ -99,7 +99,7 @@ ExactFloatTransformR<Word> describe(const Transform& tr, const Operand<Word>& a,
 template <class Word>
 ExactFloatTransformR<Word> make_form(const MultiplyParameters& pars, const Transform& tr, std::byte* M,
                                      const Operand<Word>& a, std::byte* X) {
-    if (a.L > 0) tr.forward(pars, M, X, a.T, a.L);
+    if (a.L > 0) tr.at(M).forward(pars, M, X, a.T, a.L);
     return describe(tr, a, X);
 }
 
@@ -114,7 +114,7 @@ void multiply_rf(const char* function, const MultiplyParameters& pars, const Tra
     }
     Product<Word> product(function, &tr, T, low, a, Operand<Word>(B));
     if (product.empty()) return product.set_zero();
-    tr.mul_rf_xf(pars, M, product.words(), product.s, product.e, Xa, a.T, a.L, B.X);
+    tr.at(M).mul_rf_xf(pars, M, product.words(), product.s, product.e, Xa, a.T, a.L, B.X);
     product.finish(pars);
 }
 
@@ -129,7 +129,7 @@ void multiply_rr_keeping(const char* function, const MultiplyParameters& pars, c
         out = make_form(pars, tr, M, b, Xb);
         return product.set_zero();
     }
-    tr.mul_rr_xf(pars, M, product.words(), product.s, product.e, Xa, a.T, a.L, Xb, b.T, b.L);
+    tr.at(M).mul_rr_xf(pars, M, product.words(), product.s, product.e, Xa, a.T, a.L, Xb, b.T, b.L);
     out = describe(tr, b, Xb);
     product.finish(pars);
 }
@@ -142,7 +142,7 @@ void multiply_rr(const char* function, const MultiplyParameters& pars, const Tra
     const Operand<Word> b(function, tr, B);
     Product<Word> product(function, &tr, T, low, a, b);
     if (product.empty()) return product.set_zero();
-    tr.mul_rr_xx(pars, M, product.words(), product.s, product.e, Xa, a.T, a.L, Xb, b.T, b.L);
+    tr.at(M).mul_rr_xx(pars, M, product.words(), product.s, product.e, Xa, a.T, a.L, Xb, b.T, b.L);
     product.finish(pars);
 }
 
@@ -166,9 +166,9 @@ void ExactFloatTransformR<Word>::inverse_fmul(const MultiplyParameters& pars, st
     Product<Word> product(function, params, T, whole, Operand<Word>(*this), Operand<Word>(B));
     if (product.empty()) return product.set_zero();
     if (X == B.X)
-        params->inverse_fsqr(pars, M, X, X, product.words(), product.s, product.e);
+        params->at(M).inverse_fsqr(pars, M, X, X, product.words(), product.s, product.e);
     else
-        params->inverse_fmul(pars, M, X, B.X, product.words(), product.s, product.e);
+        params->at(M).inverse_fmul(pars, M, X, B.X, product.words(), product.s, product.e);
     X = nullptr;
     product.finish(pars);
 }
@@ -180,7 +180,7 @@ void ExactFloatTransformR<Word>::inverse_fsqr(const MultiplyParameters& pars, st
     const Operand<Word> a(*this);
     Product<Word> product(function, params, T, whole, a, a);
     if (product.empty()) return product.set_zero();
-    params->inverse_fsqr(pars, M, Xd, X, product.words(), product.s, product.e);
+    params->at(M).inverse_fsqr(pars, M, Xd, X, product.words(), product.s, product.e);
     if (Xd == X) X = nullptr;
     product.finish(pars);
 }
@@ -192,7 +192,7 @@ void ExactFloatTransformR<Word>::sqr_r_x(const MultiplyParameters& pars, const T
     const Operand<Word> a(function, tr, A);
     Product<Word> product(function, &tr, T, whole, a, a);
     if (product.empty()) return product.set_zero();
-    tr.sqr_r_x(pars, M, product.words(), product.s, product.e, X_area, a.T, a.L);
+    tr.at(M).sqr_r_x(pars, M, product.words(), product.s, product.e, X_area, a.T, a.L);
     product.finish(pars);
 }
 
@@ -206,7 +206,7 @@ void ExactFloatTransformR<Word>::sqr_rx_xf(const MultiplyParameters& pars, const
         out = make_form(pars, tr, M, a, Xf);
         return product.set_zero();
     }
-    tr.sqr_rx_xf(pars, M, product.words(), product.s, product.e, Xd, Xf, a.T, a.L);
+    tr.at(M).sqr_rx_xf(pars, M, product.words(), product.s, product.e, Xd, Xf, a.T, a.L);
     out = describe(tr, a, Xf);
     product.finish(pars);
 }

@@ -1,7 +1,7 @@
 #include "numbers/transforms/transform_helper.h"
 
 #include "app/failure/exceptions.h"
-#include "multiply/contract/multiply_tables.h"
+#include "multiply/contract/check_buffers.h"
 #include "multiply/tables/algorithm_table.h"
 
 namespace zvp {
@@ -10,12 +10,11 @@ TransformHelper::TransformHelper(const MultiplyParameters& pars, std::uint64_t l
     : first(pars.M), inner(pars) {
     static constexpr const char* function = "TransformHelper::TransformHelper()";
     const Transform& tr = algorithm_table<wtype>().get_algorithm(length).params(object, length, pars.tds);
-    const std::uint64_t limit = pars.tables ? pars.tables->capacity : 0;
-    if (tr.capacity_bits > limit)
-        throw LimitExceededException(function, "Multiplication tables are too small.", limit, tr.capacity_bits);
+    check_tables(function, tr, pars.tables, pars.M);
     const std::uint64_t form_bytes = forms * tr.transform_bytes;
     if (pars.ML < form_bytes + tr.scratch_bytes)
         throw BufferTooSmallException(function, pars.ML, form_bytes + tr.scratch_bytes);
+    DryRun::reach(pars.M + form_bytes + tr.scratch_bytes);
     inner.M += form_bytes;
     inner.ML -= form_bytes;
     inner.status = nullptr;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/failure/exceptions.h"
+#include "parallel/memory/dry_run.h"
 #include "parallel/memory/linear_word_buffer.h"
 
 #include <cstddef>
@@ -59,6 +60,7 @@ private:
         std::byte* const front = pointer;
         pointer += size;
         bytes -= size;
+        DryRun::reach(pointer);
         return front;
     }
 

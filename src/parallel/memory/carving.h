@@ -22,8 +22,8 @@ struct BufferHalves {
     explicit BufferHalves(AlignedBufferC<A> buffer) {
         constexpr std::size_t unit = std::max(A, scratch_unit);
         const std::size_t half = buffer.bytes / 2 & ~(unit - 1);
-        first = buffer.spawn(half);
-        second = buffer.spawn(half);
+        first = {buffer.pointer, half};
+        second = {buffer.pointer + half, half};
     }
 
     AlignedBufferC<A> first;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/failure/exceptions.h"
+#include "parallel/memory/dry_run.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -19,6 +20,7 @@ struct LinearWordBuffer {
         const LinearWordBuffer front{pointer, static_cast<std::size_t>(count)};
         pointer += count;
         words -= count;
+        DryRun::reach(pointer);
         return front;
     }
 

@@ -75,6 +75,7 @@ void BSR_BlockB<Family>::run_kind(const MultiplyParameters& pars, StatusNode* st
     for (std::size_t i = 0; i < numbers.size(); ++i) node.numbers[i] = Number(numbers[i].buffer, numbers[i].capacity);
     MultiplyParameters inner = pars;
     inner.status = nullptr;
+    DryRun::reach(pars.M + plan.scratch_bytes);
     run_tree(job, inner, status, node, depth, limit);
     numbers = node.numbers;
 }

@@ -77,6 +77,7 @@ inline void finish_sum(const ParallelContext& ctx, ExactNumber& sum, const Exact
 /// Low zero words go, by multiples of number_alignment, so that T stays aligned.
 template <class Number>
 void strip_low_zeros(Number& A) {
+    if (is_dry(A.T)) return;
     const auto block_is_zero = [&A] {
         for (std::size_t i = 0; i < number_alignment; ++i)
             if (A.T[i] != 0) return false;

@@ -69,6 +69,44 @@ Number storage_behind(const Number& storage, const Number& left) {
     return Number(storage.buffer + used, storage.capacity - used);
 }
 
+// Dry runs. A part of the recursion is walked where it meets the least room: the right half on the serial level, whose
+// storage lies behind the left half's results, and a left half elsewhere, which has the terms and tasks of its sibling or
+// more, and no more storage. Its sibling's results are taken as long as a range's may be.
+
+template <class Family, class Number>
+bool is_dry_node(const Node<Family, Number>& node) {
+    return is_dry(node.numbers[0].buffer);
+}
+
+/// The words that a result of the node may have; in the truncated kind at precision `limit`.
+template <class Family, class Number>
+std::size_t most_words(const Job<Family>& job, const Node<Family, Number>& node, std::size_t limit) {
+    const std::size_t size = job.series.size_words(node.a, node.b);
+    return is_truncated<Number> ? std::min(size, limit + BigFloat::extra_precision) : size;
+}
+
+/// Results of the node without walking it.
+template <class Family, class Number>
+void set_dry_results(const Job<Family>& job, Node<Family, Number>& node, std::size_t limit) {
+    const std::size_t words = most_words(job, node, limit);
+    for (std::size_t i = 0; i < Family::results; ++i) {
+        Number& number = node.numbers[i];
+        if (number.capacity < words) throw BufferTooSmallException("BSR_BlockT::run()", number.capacity, words);
+        number.T = number.buffer;
+        number.L = words;
+        number.exp = 0;
+        number.sign = true;
+    }
+}
+
+/// Results that a merge has made are no longer than the series says.
+template <class Family, class Number>
+void cut_dry_results(const Job<Family>& job, Node<Family, Number>& node, std::size_t limit) {
+    if (!is_dry_node(node)) return;
+    const std::size_t words = most_words(job, node, limit);
+    for (std::size_t i = 0; i < Family::results; ++i) node.numbers[i].L = std::min(node.numbers[i].L, words);
+}
+
 // The serial level.
 
 template <class Family, class Number>
@@ -80,17 +118,19 @@ void run_serial(const Job<Family>& job, const MultiplyParameters& pars, Node<Fam
         if (is_short || (terms > plain_split_terms && series.size_words(a, b) <= limit))
             return run_exact<Family>(node, [&](Node<Family, ExactNumber>& exact) { run_serial(job, pars, exact, 0); });
     } else if (terms < series.leaf_terms || terms < 2) {
+        if (is_dry_node(node)) return set_dry_results(job, node, 0);
         return leaf<Family>(series, pars, node.numbers, a, b);
     }
 
     const std::uint64_t m = split<Family>(series, a, b);
     Node<Family, Number> left{node.numbers, a, m, false};
-    run_serial(job, pars, left, limit);
+    is_dry_node(node) ? set_dry_results(job, left, limit) : run_serial(job, pars, left, limit);
     Node<Family, Number> right{node.numbers, m, b, node.is_last};
     for (std::size_t i = 0; i < Family::results; ++i)
         right.numbers[i] = storage_behind(node.numbers[i], left.numbers[i]);
     run_serial(job, pars, right, is_truncated<Number> ? limit_behind<Family>(series, m) : 0);
     merge_halves(pars, left, right, node, limit);
+    cut_dry_results(job, node, limit);
 }
 
 // The parallel level.
@@ -112,6 +152,7 @@ public:
     }
 
     void run(std::uint32_t) override { run_parallel(job, pars, node, limit); }
+    void set_dry() { set_dry_results(job, node, limit); }
 
     Node<Family, Number> node;
 
@@ -136,11 +177,12 @@ void run_halves(const Job<Family>& job, const MultiplyParameters& pars, Node<Fam
         pars.framework->run_in_parallel(left, right);
     } else {
         left.run(0);
-        right.run(0);
+        is_dry_node(node) ? right.set_dry() : right.run(0);
     }
     MultiplyParameters merging = pars;
     merging.tds = std::min(pars.tds, job.tds);
     merge_halves(merging, left.node, right.node, node, limit);
+    cut_dry_results(job, node, limit);
 }
 
 template <class Family, class Number>
@@ -228,13 +270,17 @@ void run_tree(const Job<Family>& job, const MultiplyParameters& pars, StatusNode
     }
     {
         TreeStatus one(status, 'G', "1");
-        run_tree(job, pars, one.node(), right, depth - 1,
-                 is_truncated<Number> ? limit_behind<Family>(job.series, m) : 0);
+        const std::size_t limit_right = is_truncated<Number> ? limit_behind<Family>(job.series, m) : 0;
+        if (is_dry_node(node))
+            set_dry_results(job, right, limit_right);
+        else
+            run_tree(job, pars, one.node(), right, depth - 1, limit_right);
     }
     TreeStatus dash(status, 'G', "-  ");
     const Number& last = right.numbers[Family::results - 1];
     dash.show_digits(digits_of(last.L));
     merge_halves(pars, left, right, node, limit);
+    cut_dry_results(job, node, limit);
 }
 
 } // namespace zvp::BinarySplitting
