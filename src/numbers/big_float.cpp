@@ -56,7 +56,9 @@ void BigFloat::set_BigFloat(std::size_t p, const ParallelContext& ctx, const Big
     sign = A.sign;
 }
 
-BigFloat::Word BigFloat::get_word(std::int64_t pos) const { return pos < exp || pos >= top() || is_dry(T) ? 0 : T[pos - exp]; }
+BigFloat::Word BigFloat::get_word(std::int64_t pos) const {
+    return pos < exp || pos >= top() || is_dry(T) ? 0 : T[pos - exp];
+}
 
 void BigFloat::check_normalization() const {
     if (L > 0 && !is_dry(T) && T[L - 1] == 0) fatal_stop("BigFloat::check_normalization(): Top word is zero.");

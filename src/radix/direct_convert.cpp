@@ -195,8 +195,7 @@ std::uint32_t Conversion::convertP(StatusNode* status, unsigned level, std::uint
 std::uint32_t Conversion::convertL(unsigned level, std::uint32_t* out_end, std::uint64_t out_len, RemainderFloatB input,
                                    AlignedBufferC<64> scratch) const {
     level = lowered(level, out_len);
-    if (level == 0)
-        return is_dry(input.end) ? 0 : convert_leaf(table.R, out_end, out_len, input.end, input.length);
+    if (level == 0) return is_dry(input.end) ? 0 : convert_leaf(table.R, out_end, out_len, input.end, input.length);
     --level;
     const std::uint64_t P = table.levels[level].p_words;
     if (input.capacity < 2 * P) throw BufferTooSmallException("convertL()", input.capacity, 2 * P);

@@ -60,9 +60,8 @@ void NormalFloatSessionB::make_plans() {
                                             size.hexadecimal_digits, parallelism->task_decomposition);
     const std::size_t longest_product = 2 * (working_size.precision_words + 100);
     ensure_product_tables(*tables, longest_product);
-    MemoryTrial trial =
-        try_memory(*plan, *writer, *tables,
-                   result_bytes + std::max<std::uint64_t>(plan->memory_bytes(), writer->buffer_bytes()));
+    MemoryTrial trial = try_memory(
+        *plan, *writer, *tables, result_bytes + std::max<std::uint64_t>(plan->memory_bytes(), writer->buffer_bytes()));
     working_memory = trial.bytes;
     phases = std::move(trial.phases);
     std::uint64_t form_bytes;

@@ -57,7 +57,8 @@ public:
 
     /// T holds the words; of a whole product one at most is zero at the top.
     void finish(const ParallelContext& ctx) {
-        const std::size_t L = s == 0 && !is_dry(T.buffer) ? e - (T.buffer[e - 1] == 0) : bp_scan_top(Word{0}, T.buffer, e - s, ctx);
+        const std::size_t L =
+            s == 0 && !is_dry(T.buffer) ? e - (T.buffer[e - 1] == 0) : bp_scan_top(Word{0}, T.buffer, e - s, ctx);
         set(L, L > 0 ? exp : 0, L > 0 ? sign : true);
     }
 

@@ -25,12 +25,25 @@ BlockShape shape_of(const BSR_BlockB<Family>& block) {
     return shape;
 }
 
-/// What is left for a range below the tree.
+/// The most terms that a part of the block has after 1, 2, .. splits, as long as it may be shared among tasks: those of the
+/// larger half of the larger half, and so on.
 template <class Family>
-BlockShape bottom_shape(const BSR_BlockB<Family>& block) {
+std::vector<std::uint64_t> most_half_terms(const BSR_BlockB<Family>& block) {
+    std::vector<std::uint64_t> terms;
+    std::uint64_t a = block.a, b = block.b;
+    for (std::uint64_t parts = 1; parts < std::uint64_t{block.tds} << (block.shift + block.depth); parts *= 2) {
+        if (b - a < min_parallel_terms) break;
+        const std::uint64_t m = split<Family>(block.series, a, b);
+        (m - a >= b - m ? b : a) = m;
+        terms.push_back(b - a);
+    }
+    return terms;
+}
+
+template <class Family>
+BlockShape shape_with_halves(const BSR_BlockB<Family>& block) {
     BlockShape shape = shape_of(block);
-    shape.size_words = block.bottom_words;
-    shape.depth = 0;
+    shape.half_terms = most_half_terms(block);
     return shape;
 }
 
@@ -49,7 +62,7 @@ BSR_BlockB<Family>::BSR_BlockB(const Series& series_, std::uint64_t a_, std::uin
       depth(depth_),
       is_last(is_last_),
       bottom_words(words_below(shape_of(*this))),
-      plan(block_needs(shape_of(*this))) {}
+      plan(block_needs(shape_with_halves(*this))) {}
 
 template <class Family>
 template <class Numbers>
@@ -70,7 +83,7 @@ void BSR_BlockB<Family>::run_kind(const MultiplyParameters& pars, StatusNode* st
                                   typename Family::template Numbers<Number>& numbers) const {
     check(pars, numbers);
     const Job<Family> job{series, std::max(pars.tds, 1U), std::max(pars.tds, 1U) << shift,
-                          block_needs(bottom_shape(*this)).number_words};
+                          bottom_needs(shape_with_halves(*this)).number_words};
     Node<Family, Number> node{{}, a, b, is_last};
     for (std::size_t i = 0; i < numbers.size(); ++i) node.numbers[i] = Number(numbers[i].buffer, numbers[i].capacity);
     MultiplyParameters inner = pars;

@@ -27,13 +27,12 @@ public:
         return needs;
     }
 
-    /// Of `tasks` tasks: shared by two halves, or by one task where there are too few terms.
-    BlockNeeds parallel(std::size_t L, std::uint32_t tasks) const {
+    /// Of `tasks` tasks, after `splits` splits: shared by two halves, or by one task where there are too few terms. Two
+    /// halves of tasks that differ by one need at most what two of the larger share need.
+    BlockNeeds parallel(std::size_t L, std::uint32_t tasks, std::size_t splits) const {
         BlockNeeds needs = serial(L);
-        if (tasks < 2) return needs;
-        const std::uint32_t fewer = tasks / 2, more = tasks - fewer;
-        BlockNeeds child = parallel(half(L), more);
-        if (fewer != more) child = larger(child, parallel(half(L), fewer));
+        if (tasks < 2 || most_terms(splits) < min_parallel_terms) return needs;
+        BlockNeeds child = parallel(half(L), tasks - tasks / 2, splits + 1);
         child.scratch_bytes *= 2;
         child.number_words *= 2;
         child.scratch_number_words *= 2;
@@ -46,7 +45,8 @@ public:
     BlockNeeds tree(std::size_t L, std::uint64_t terms, std::uint32_t depth) const {
         constexpr std::uint64_t unequal_halves = 4; // how much fewer terms one half may have than the other
         BlockNeeds needs;
-        if (depth == 0 || terms < unequal_halves * min_parallel_terms) needs = parallel(L, shape.leaf_tasks);
+        if (depth == 0 || terms < unequal_halves * min_parallel_terms)
+            needs = parallel(L, shape.leaf_tasks, shape.depth - depth);
         if (depth == 0) return needs;
         BlockNeeds child = tree(half(L), terms / 2, depth - 1);
         child.number_words *= 2;
@@ -57,6 +57,11 @@ public:
     }
 
 private:
+    std::uint64_t most_terms(std::size_t splits) const {
+        if (splits == 0) return shape.terms;
+        return splits <= shape.half_terms.size() ? shape.half_terms[splits - 1] : 0;
+    }
+
     static BlockNeeds larger(const BlockNeeds& a, const BlockNeeds& b) {
         return {std::max(a.scratch_bytes, b.scratch_bytes), std::max(a.number_words, b.number_words),
                 std::max(a.scratch_number_words, b.scratch_number_words)};
@@ -95,6 +100,10 @@ private:
 
 BlockNeeds block_needs(const BlockShape& shape) {
     return Planner(shape).tree(shape.size_words, shape.terms, shape.depth);
+}
+
+BlockNeeds bottom_needs(const BlockShape& shape) {
+    return Planner(shape).parallel(words_below(shape), shape.leaf_tasks, shape.depth);
 }
 
 std::size_t words_below(const BlockShape& shape) {

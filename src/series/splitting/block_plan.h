@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace zvp::BinarySplitting {
 
@@ -26,10 +27,12 @@ inline constexpr std::size_t halves_spare = 2;
 
 /// What a plan of memory starts from.
 struct BlockShape {
-    std::size_t size_words;   // of the range
-    std::size_t split_slack;  // of the series
-    std::size_t leaf_words;   // the size of the longest leaf
-    std::uint64_t terms;      // of the range
+    std::size_t size_words;  // of the range
+    std::size_t split_slack; // of the series
+    std::size_t leaf_words;  // the size of the longest leaf
+    std::uint64_t terms;     // of the range
+    std::vector<std::uint64_t>
+        half_terms;           // the most terms of a part after 1, 2, .. splits; missing ones are too few to share
     std::uint32_t tds;        // tasks of a merge, at least 1
     std::uint32_t leaf_tasks; // tasks below the tree
     std::uint32_t depth;
@@ -38,6 +41,9 @@ struct BlockShape {
 /// The needs of the recursion: of a node, those of its own merge and those of its halves, which use its storage one after
 /// the other (scratch in the tree and on the serial level) or each a half of it.
 BlockNeeds block_needs(const BlockShape& shape);
+
+/// Those of a range below the tree.
+BlockNeeds bottom_needs(const BlockShape& shape);
 
 /// The words of the largest number below `depth` tree levels.
 std::size_t words_below(const BlockShape& shape);

@@ -2,13 +2,24 @@
 // The three levels of the recursion over a range, in both arithmetic kinds: sequential tree levels, then the parallel
 // level, whose nodes run their halves as two tasks, then the serial level.
 
+#include "series/splitting/block_plan.h"
 #include "series/splitting/merge.h"
+
+#include <algorithm>
 
 namespace zvp {
 class StatusNode;
 }
 
 namespace zvp::BinarySplitting {
+
+/// Where (a, b] is cut in two.
+template <class Family>
+std::uint64_t split(const typename Family::Series& series, std::uint64_t a, std::uint64_t b) {
+    if (b - a <= plain_split_terms) return a + (b - a) / 2;
+    const std::uint64_t middle = std::clamp(series.midpoint(a, b), a + 1, b - 1);
+    return Family::splits_at_even && b - a >= min_parallel_terms ? middle & ~std::uint64_t{1} : middle;
+}
 
 /// What all nodes of a run share.
 template <class Family>

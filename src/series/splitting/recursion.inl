@@ -15,14 +15,6 @@ namespace {
 template <class Number>
 constexpr bool is_truncated = std::is_same_v<Number, BigFloat>;
 
-/// Where (a, b] is cut in two.
-template <class Family>
-std::uint64_t split(const typename Family::Series& series, std::uint64_t a, std::uint64_t b) {
-    if (b - a <= plain_split_terms) return a + (b - a) / 2;
-    const std::uint64_t middle = std::clamp(series.midpoint(a, b), a + 1, b - 1);
-    return Family::splits_at_even && b - a >= min_parallel_terms ? middle & ~std::uint64_t{1} : middle;
-}
-
 template <class Family>
 std::size_t limit_behind(const typename Family::Series& series, std::uint64_t m) {
     return std::min(series.precision_words(m), max_limit);
