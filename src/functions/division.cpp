@@ -37,8 +37,7 @@ int set_residual(BigFloat& E, std::size_t p, const ParallelContext& ctx, const B
                  std::int64_t bound, bool N_sign) {
     if (is_dry(E.buffer)) {
         E.set_sub(p, ctx, N, R);
-        const std::int64_t length = bound - 2 - E.exp;
-        E.L = static_cast<std::size_t>(std::clamp<std::int64_t>(length, 1, static_cast<std::int64_t>(E.L)));
+        cut_dry(E, bound - 2);
         return 0;
     }
     constexpr wtype ones = ~wtype{0};

@@ -32,7 +32,7 @@ void InvsqrtFloat_BigFloatR_E::iterate(const MultiplyParameters& pars, BigFloat&
     BigFloat F = carve(buffer, q + 2);
     F.set_BigFloat(q, pars, T);
     std::array<wtype, transform_precision + BigFloat::extra_precision> square_words;
-    BigFloat square(square_words.data(), square_words.size());
+    BigFloat square(is_dry(T.buffer) ? T.buffer : square_words.data(), square_words.size());
     square.set_sqr(p, pars, F);
     T.set_mul(p, pars, square, A);
     const Estimate side = ResidualCheck{function, q}.take_whole(T, pars);

@@ -38,6 +38,10 @@ bool is_root_residual(const BigFloat& X, std::int64_t pos, wtype n) {
 /// less where a borrow passes.
 void set_residual(BigFloat& E, std::size_t p, const ParallelContext& ctx, const BigFloat& R, const BigFloat& F,
                   std::int64_t bound, wtype n) {
+    if (is_dry(E.buffer)) {
+        E.set_sub(p, ctx, R, F);
+        return cut_dry(E, bound - 1);
+    }
     constexpr wtype ones = ~wtype{0};
     const wtype topA = R.get_word(bound - 1), topB = F.get_word(bound - 1);
     if (topA == ones && topB == 0)
@@ -96,6 +100,7 @@ void InvNthRootFloat_BigFloatR_P::run_expanded(const MultiplyParameters& pars, S
     S.set_BigFloat(q, pars, T);
     progress.show(" 0P ", q);
     power.run(pars, nullptr, T, S, std::uint64_t{n} + 1, run_p);
+    place_dry(T, S.top() + 1 - A.top());
 
     const auto words = static_cast<std::int64_t>(run_p), half = static_cast<std::int64_t>(q);
     const std::int64_t top = S.top(), bound = std::min(top - half + 3, top);
@@ -120,6 +125,7 @@ void InvNthRootFloat_BigFloatR_P::run_factored(const MultiplyParameters& pars, S
     S.set_BigFloat(q, pars, T);
     progress.show(" 0P ", q);
     power.run(pars, nullptr, T, S, n, run_p);
+    place_dry(T, 1 - A.top());
 
     const auto words = static_cast<std::int64_t>(run_p), eps = (is_large(n) ? 3 : 2) - static_cast<std::int64_t>(q);
     progress.show(" 1M ", q);

@@ -1,6 +1,7 @@
 #include "functions/nth_root.h"
 
 #include "app/failure/exceptions.h"
+#include "functions/residual.h"
 
 #include <algorithm>
 #include <bit>
@@ -19,10 +20,12 @@ void set_next_to_one(BigFloat& T, long double z) {
     const Fixed value = (Fixed{1} << 80) + below;
     const auto shifted = static_cast<unsigned __int128>(value) << 16; // 96 bits behind the point
     T.T = T.buffer;
-    T.L = 0;
-    for (unsigned shift = 0; shift < 128; shift += 32) T.T[T.L++] = static_cast<wtype>(shifted >> shift);
+    T.L = 4;
     T.exp = -3;
     T.sign = true;
+    if (is_dry(T.T)) return;
+    T.L = 0;
+    for (unsigned shift = 0; shift < 128; shift += 32) T.T[T.L++] = static_cast<wtype>(shifted >> shift);
     while (T.L > 0 && T.T[T.L - 1] == 0) --T.L;
 }
 
@@ -65,6 +68,7 @@ void divide_by_word(BigFloat& T, std::size_t p, const ParallelContext& ctx, cons
     T.L = p + 2;
     T.exp = top - static_cast<std::int64_t>(T.L);
     T.sign = A.sign;
+    if (is_dry(T.T)) return;
     std::uint64_t remainder = 0;
     for (std::size_t i = 0; i < T.L; ++i) {
         const wtype word = i < words ? A.T[A.L - 1 - i] : 0;
@@ -83,12 +87,15 @@ void InvNthRootFloat_BigFloatR_E::run(const MultiplyParameters& pars, const Powe
     run(pars, power, T, A, n, q, R, S);
     R.set_BigFloat(p, pars, T);
     T.set_BigFloat(p, pars, R);
+    const std::int64_t top = T.top();
     power.run(pars, nullptr, S, T, std::uint64_t{n} + 1, p + 2);
+    place_dry(S, top + 1 - A.top());
     R.set_mul(p + 4, pars, S, A);
     S.set_mul_uW(p + 2, pars, T, static_cast<BigFloat::SDWord>(n) + 1);
     T.set_sub(p + 2, pars, S, R);
     divide_by_word(S, p + 2, pars, T, n);
     T.set_BigFloat(p, pars, S);
+    place_dry(T, top);
 }
 
 } // namespace zvp

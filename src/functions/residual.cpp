@@ -8,8 +8,12 @@
 
 namespace zvp {
 
+void cut_dry(BigFloat& E, std::int64_t top) {
+    E.L = static_cast<std::size_t>(std::clamp<std::int64_t>(top - E.exp, 1, static_cast<std::int64_t>(E.L)));
+}
+
 Estimate ResidualCheck::take_whole(BigFloat& T, const ParallelContext& ctx) const {
-    if (is_dry(T.buffer)) return take_dry(T);
+    if (is_dry(T.buffer)) return cut_dry(T, 1 - static_cast<std::int64_t>(q)), Estimate::over;
     const wtype top = T.get_word(0);
     if (T.L == 0 || top > 1 || T.top() != static_cast<std::int64_t>(top)) fail(top);
     T.truncate_at(0, ctx);
@@ -17,18 +21,11 @@ Estimate ResidualCheck::take_whole(BigFloat& T, const ParallelContext& ctx) cons
 }
 
 Estimate ResidualCheck::take_window(BigFloat& T, std::int64_t eps, const ParallelContext& ctx) const {
-    if (is_dry(T.buffer)) return take_dry(T);
+    if (is_dry(T.buffer)) return cut_dry(T, 1 - static_cast<std::int64_t>(q)), Estimate::over;
     const wtype top = T.get_word(eps - 1);
     if (top != 0 && top != ~wtype{0}) fail(top);
     T.truncate_at(eps, ctx);
     return take(T, top == 0 ? Estimate::over : Estimate::under, ctx);
-}
-
-/// The largest residual that passes.
-Estimate ResidualCheck::take_dry(BigFloat& T) const {
-    const std::int64_t length = 1 - static_cast<std::int64_t>(q) - T.exp;
-    T.L = static_cast<std::size_t>(std::clamp<std::int64_t>(length, 1, static_cast<std::int64_t>(T.L)));
-    return Estimate::over;
 }
 
 Estimate ResidualCheck::take(BigFloat& T, Estimate side, const ParallelContext& ctx) const {

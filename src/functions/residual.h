@@ -25,6 +25,14 @@ inline bool is_residual(const BigFloat& X, std::int64_t pos) {
     return X.L == 0 || X.top() <= pos || (X.top() == pos + 1 && X.T[X.L - 1] < residual_limit);
 }
 
+/// In a dry run: E is as long as a number below W^top may be, from the same lowest word on.
+void cut_dry(BigFloat& E, std::int64_t top);
+
+/// In a dry run: X, of which only the length is right, lies below W^top.
+inline void place_dry(BigFloat& X, std::int64_t top) {
+    if (is_dry(X.buffer)) X.exp = top - static_cast<std::int64_t>(X.L);
+}
+
 /// Which side of 1 the product is on.
 enum class Estimate { under, over };
 
@@ -41,7 +49,6 @@ struct ResidualCheck {
     Estimate take_window(BigFloat& T, std::int64_t eps, const ParallelContext& ctx) const;
 
 private:
-    Estimate take_dry(BigFloat& T) const;
     Estimate take(BigFloat& T, Estimate side, const ParallelContext& ctx) const;
     void check_bound(const char* side, const BigFloat& T) const;
     [[noreturn, gnu::cold]] void fail(wtype top) const;

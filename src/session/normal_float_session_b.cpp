@@ -122,6 +122,7 @@ Object NormalFloatSessionB::to_status() const {
     object.add_object("Allocator", allocator->allocator->to_config_object_full());
     Object memory;
     memory.add_object("RequiredRam", shown_row(total_memory(), format_bytes(total_memory())));
+    memory.add_object("ScratchPerTask", shown_row(task_scratch, format_bytes(task_scratch)));
     object.add_object("Memory", std::move(memory));
     object.add_array("Warnings", {});
     Array errors;

@@ -77,6 +77,7 @@ void memory_menu(NormalFloatSessionB& session) {
         print_line("\n\nMemory Settings\n", 'w');
         print_row("    Twiddle Factor Tables", format_bytes(session.twiddle_memory), 'G');
         print_row("    Working Memory", format_bytes(session.working_memory), 'G');
+        print_row("        Scratch per Task", format_bytes(session.task_scratch), 'G');
         print_line("  ----------------------------------------");
         print_row("    Total Memory", format_bytes(session.total_memory()), 'G');
         print_line("\nOptions:\n");

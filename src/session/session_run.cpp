@@ -2,6 +2,7 @@
 
 #include "app/console/console.h"
 #include "app/console/linear_console_status.h"
+#include "app/console/number_forms.h"
 #include "app/console/process_switches.h"
 #include "app/console/unbuilt.h"
 #include "parallel/memory/carving.h"
@@ -88,6 +89,10 @@ void SessionRun::obtain_memory() {
     std::vector<StatusCell> report;
     memory.emplace(allocator, context, session.working_memory, report);
     tell_allocation("Working Memory: ", report);
+    log.log("Scratch per Task: " + format_number(session.task_scratch, NumberForm::commas) + " bytes");
+    for (const DryRun::Phase& phase : session.phases)
+        if (!phase.name.empty())
+            log.log("Planned: " + format_number(phase.bytes, NumberForm::commas) + " bytes: " + phase.name);
 }
 
 void SessionRun::obtain_tables() {

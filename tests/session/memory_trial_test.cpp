@@ -101,6 +101,20 @@ TEST_F(MemoryTrialTest, EveryPlanHolds) {
     }
 }
 
+TEST_F(MemoryTrialTest, APlanThatIsShortIsCorrectedAndAHopelessOneRefused) {
+    choose({"e", "exp(1)"});
+    set(1'000'000, 24, true, true, true);
+    const std::uint64_t planned = session.working_memory;
+    const MemoryTrial trial = try_memory(*session.plan, *session.writer, *session.tables, planned / 2 / 64 * 64);
+    EXPECT_GE(trial.bytes, planned);
+    EXPECT_LT(trial.bytes, planned + planned / 8);
+    std::uint64_t most = 0;
+    for (const DryRun::Phase& phase : session.phases) most = std::max(most, phase.bytes);
+    EXPECT_LE(most, planned);
+    EXPECT_GE(most, planned - planned / 20); // nothing large is planned that nobody asks for
+    EXPECT_THROW(try_memory(*session.plan, *session.writer, *session.tables, 4096), BufferTooSmallException);
+}
+
 /// Memory whose last byte is followed by a page that can't be touched.
 class ExactMemory {
 public:

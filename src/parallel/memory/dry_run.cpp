@@ -28,10 +28,10 @@ std::byte* DryRun::memory() const { return reinterpret_cast<std::byte*>(base); }
 
 void DryRun::begin_phase(std::string_view name) { phases.push_back({std::string(name), 0}); }
 
-void DryRun::note(const void* end) {
+void DryRun::note(std::uintptr_t end) {
     if (!current) return;
     std::uint64_t& most = current->phases.back().bytes;
-    most = std::max<std::uint64_t>(most, reinterpret_cast<std::uintptr_t>(end) - base);
+    most = std::max<std::uint64_t>(most, end - base);
 }
 
 } // namespace zvp

@@ -41,14 +41,14 @@ public:
 
     /// Tells the walk of this thread that everything below `end` is asked for. Nothing for other addresses.
     static void reach(const void* end) {
-        if (is_dry(end)) note(end);
+        if (is_dry(end)) note(reinterpret_cast<std::uintptr_t>(end));
     }
 
     const std::uint64_t bytes;
     std::vector<Phase> phases; // in the order in which they began
 
 private:
-    static void note(const void* end);
+    static void note(std::uintptr_t end);
 };
 
 } // namespace zvp
