@@ -116,10 +116,12 @@ void Division_BigFloatR::run_large(const MultiplyParameters& pars, StatusNode* s
     BigFloatTransformR Xt;
     Xt.forward(helper.pars(), helper.transform(), helper.M(), X, q, helper.form(0));
     BigFloat top_N = N;
+    top_N.watched = false;
     top_N.L = std::min(N.L, q + BigFloat::extra_precision);
     top_N.T += N.L - top_N.L;
     top_N.exp += static_cast<std::int64_t>(N.L - top_N.L);
-    const std::uint64_t q_residue = multiply_kept(helper, 1, Q, top_N, q, Xt, watch, watch.residue(top_N), x);
+    const std::uint64_t q_residue =
+        multiply_kept(helper, 1, Q, top_N, q, Xt, watch, watch.factor(N, q + BigFloat::extra_precision).residue, x);
 
     const auto words = static_cast<std::int64_t>(p), half = static_cast<std::int64_t>(q);
     const std::int64_t bound = std::min(N.top() - half + 3, N.top());
@@ -143,6 +145,8 @@ void Division_BigFloatR::run_large(const MultiplyParameters& pars, StatusNode* s
     const bool minus = Q.sign != R.sign;
     T.set_add(p, pars, Q, R);
     watch.check_sum(T, minus, Q, q_residue, R, c, false);
+    N.check_hash(function, pars);
+    D.check_hash(function, pars);
 }
 
 } // namespace zvp

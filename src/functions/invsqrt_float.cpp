@@ -45,6 +45,7 @@ void InvsqrtFloat_BigFloatR::run(const MultiplyParameters& pars, StatusNode* sta
     TransformHelper(pars, transform_words(run_p), 2);
     check_size(function, pars.ML, needed.memory_bytes);
     iterate(pars, status, T, A, run_p, buffer, true);
+    A.check_hash(function, pars);
 }
 
 void InvsqrtFloat_BigFloatR::run_task(const MultiplyParameters& pars, StatusSink* sink, BigFloat& T, const BigFloat& A,

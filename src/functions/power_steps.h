@@ -4,6 +4,7 @@
 #include "app/console/number_forms.h"
 #include "app/console/status.h"
 #include "app/failure/exceptions.h"
+#include "digits/hash/hash_field.h"
 #include "functions/iteration_plan.h"
 
 #include <cstddef>
@@ -20,6 +21,7 @@ inline void trim_low_zeros(BigFloat& T) {
     T.T += zeros;
     T.exp += static_cast<std::int64_t>(zeros);
     T.L -= zeros;
+    T.hash = shift_words(T.hash, -static_cast<std::int64_t>(zeros));
 }
 
 /// Throws ExponentOverflowException if T's exponent has left [-2^61, 2^61).

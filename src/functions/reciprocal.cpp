@@ -37,6 +37,7 @@ void Reciprocal_BigFloatR::run(const MultiplyParameters& pars, StatusNode* statu
     TransformHelper(pars, transform_words(run_p), 2);
     check_size(function, pars.ML, needed.memory_bytes);
     iterate(pars, status, T, A, run_p, buffer, true);
+    A.check_hash(function, pars);
 }
 
 // A lower level has T and the buffer to itself; only then is its result moved away.

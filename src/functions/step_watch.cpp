@@ -27,10 +27,6 @@ constexpr auto guards = static_cast<std::int64_t>(BigFloat::extra_precision);
 
 } // namespace
 
-std::uint64_t shift_words(std::uint64_t h, std::int64_t words) { return mul_mod(h, pow_word(words)); }
-
-std::uint64_t subtract_mod(std::uint64_t a, std::uint64_t b) { return add_mod(a, hash_negate(b)); }
-
 StepWatch::StepWatch(const char* function_, const TransformHelper& helper_, bool on_)
     : on(on_ && !is_dry(helper_.M())),
       sees_products(on && !helper_.transform().product_words(helper_.M(), 1).empty()),
@@ -40,6 +36,7 @@ StepWatch::StepWatch(const char* function_, const TransformHelper& helper_, bool
 WatchedFactor StepWatch::factor(const BigFloat& X, std::size_t words) const {
     const std::size_t L = std::min(X.L, words);
     const std::int64_t exp = X.top() - static_cast<std::int64_t>(L);
+    if (on && X.watched) return {exp, L, shift_words(X.hash_of_top(L, helper.pars()), exp)};
     return {exp, L, residue(X, exp)};
 }
 
@@ -135,7 +132,7 @@ std::uint64_t StepWatch::residual(std::uint64_t t, Estimate side, std::int64_t p
     return side == Estimate::over ? t : subtract_mod(pow_word(pos), t);
 }
 
-void StepWatch::check_sum(const BigFloat& T, bool minus, const BigFloat& F, std::uint64_t f, const BigFloat& R,
+void StepWatch::check_sum(BigFloat& T, bool minus, const BigFloat& F, std::uint64_t f, const BigFloat& R,
                           std::uint64_t r, bool nudged) const {
     if (!on) return;
     f = subtract_mod(f, residue(F, lowest, T.exp));
@@ -160,8 +157,11 @@ std::uint64_t StepWatch::square(const BigFloat& T, const BigFloat& F, std::uint6
     return t;
 }
 
-void StepWatch::check(const BigFloat& X, std::uint64_t expected) const {
-    if (on && residue(X) != expected) throw AlgorithmFailedException(function, "Number Hash Mismatch");
+void StepWatch::check(BigFloat& X, std::uint64_t expected) const {
+    if (!on) return;
+    if (residue(X) != expected) throw AlgorithmFailedException(function, "Number Hash Mismatch");
+    X.hash = shift_words(expected, -X.exp);
+    X.watched = true;
 }
 
 void StepWatch::check_unseen(const BigFloat& X, const WatchedFactor& a) const {

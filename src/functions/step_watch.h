@@ -56,7 +56,8 @@ public:
     const bool on;
     const bool sees_products;
 
-    /// X cut to its top `words` words.
+    /// X cut to its top `words` words. Of a watched number the residue is the one that it carries: words that were damaged
+    /// at rest show in the product.
     WatchedFactor factor(const BigFloat& X, std::size_t words) const;
 
     /// The same of an X whose residue is known.
@@ -85,15 +86,16 @@ public:
     /// for nothing.
     static std::uint64_t residual(std::uint64_t t, Estimate side, std::int64_t pos);
 
-    /// T is F + R, or F - R if `minus`, from the position T.exp on, plus a unit there if it was nudged.
-    void check_sum(const BigFloat& T, bool minus, const BigFloat& F, std::uint64_t f, const BigFloat& R,
-                   std::uint64_t r, bool nudged) const;
+    /// T is F + R, or F - R if `minus`, from the position T.exp on, plus a unit there if it was nudged. T is watched from then
+    /// on.
+    void check_sum(BigFloat& T, bool minus, const BigFloat& F, std::uint64_t f, const BigFloat& R, std::uint64_t r,
+                   bool nudged) const;
 
     /// T is the square of F from some position on; a carry of up to 2 from below may be missing. Returns its residue.
     std::uint64_t square(const BigFloat& T, const BigFloat& F, std::uint64_t f) const;
 
-    /// X has that residue.
-    void check(const BigFloat& X, std::uint64_t expected) const;
+    /// X has that residue, and is watched from then on.
+    void check(BigFloat& X, std::uint64_t expected) const;
 
     /// The factor was X's top words: where no product has told, its residue must.
     void check_unseen(const BigFloat& X, const WatchedFactor& a) const;
@@ -108,9 +110,6 @@ private:
     const TransformHelper& helper;
 };
 
-/// h * W^words modulo 2^61 - 1; the residues of sums and differences.
-std::uint64_t shift_words(std::uint64_t h, std::int64_t words);
-std::uint64_t subtract_mod(std::uint64_t a, std::uint64_t b);
 inline std::uint64_t half_residue(std::uint64_t h) { return mul_mod(h, pow_two(-1)); }
 
 } // namespace zvp

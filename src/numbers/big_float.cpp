@@ -2,6 +2,7 @@
 
 #include "app/console/console.h"
 #include "app/failure/exceptions.h"
+#include "digits/hash/hash_field.h"
 #include "multiply/words/parallel_words.h"
 #include "multiply/words/word_loops.h"
 
@@ -24,6 +25,7 @@ void BigFloat::check_room(const char* function, std::size_t needed) const {
 void BigFloat::start(const char* function, std::size_t needed) {
     check_room(function, needed);
     T = buffer;
+    watched = false;
 }
 
 void BigFloat::set_zero(bool zero_sign) {
@@ -31,6 +33,7 @@ void BigFloat::set_zero(bool zero_sign) {
     L = 0;
     exp = 0;
     sign = zero_sign;
+    watched = false;
 }
 
 void BigFloat::drop_top_zeros(const ParallelContext& ctx) {
@@ -51,9 +54,26 @@ void BigFloat::set_BigFloat(std::size_t p, const ParallelContext& ctx, const Big
     const WordWindow a = A.top_words(p + extra_precision);
     start("BigFloat::set_BigFloat()", a.L);
     bp_copy(T, a.T, a.L * sizeof(Word), ctx);
+    set_hash(A.watched, [&] { return A.hash_of_top(a.L, ctx); });
     L = a.L;
     exp = a.exp;
     sign = A.sign;
+}
+
+void BigFloat::watch(const ParallelContext& ctx) {
+    hash = bp_hash(0, T, L, ctx);
+    watched = true;
+}
+
+void BigFloat::check_hash(const char* function, const ParallelContext& ctx) const {
+    if (watched && !is_dry(T) && normalize_hash(hash) != bp_hash(0, T, L, ctx))
+        throw AlgorithmFailedException(function, "Number Hash Mismatch");
+}
+
+std::uint64_t BigFloat::hash_of_top(std::size_t n, const ParallelContext& ctx) const {
+    if (n >= L) return hash;
+    const std::size_t cut = L - n;
+    return shift_words(subtract_mod(hash, bp_hash(0, T, cut, ctx)), -static_cast<std::int64_t>(cut));
 }
 
 BigFloat::Word BigFloat::get_word(std::int64_t pos) const {

@@ -17,6 +17,9 @@
 //   set_mul_uW            cuts A to n words, then is exact              0 <= exact - result < |x|
 //   set_div_sW            keeps p+2 words from the top of A             0 <= exact - result < 1
 //
+// Residues. Copies, sums, differences, products with words, and products by transforms (numbers/transforms) carry them from
+// operands that are all watched; other results aren't watched.
+//
 // Sums: each operand loses less than a unit by the cut, and a difference has one such error less the other. The error
 // is absolute: what cancels at the top is gone.
 // Products: cutting A to p+2 words loses less than one unit of its lowest word. If A was cut, the result's lowest word
@@ -64,6 +67,13 @@ public:
     bool sign = false;
     Word* buffer = nullptr;
     std::size_t capacity = 0;
+
+    /// Where `watched`: what the sum of T[i] * W^i is modulo 2^61 - 1, as it follows from the numbers that this one was made
+    /// from. The words themselves are not asked: what went wrong in an operation, or with words at rest, shows when somebody
+    /// compares (check_hash()), however many operations later. Whoever changes T, L or words of a watched number without an
+    /// operation changes `hash` with them.
+    std::uint64_t hash = 0;
+    bool watched = false;
 
     /// A zero without storage.
     BigFloat() = default;
@@ -157,6 +167,18 @@ public:
     /// Removes the words at position `pos` and above.
     void truncate_at(std::int64_t pos, const ParallelContext& ctx);
 
+    // Residues.
+
+    /// Takes the residue from the words, which nothing else tells anything about. One pass over them.
+    void watch(const ParallelContext& ctx);
+
+    /// Throws AlgorithmFailedException, "Number Hash Mismatch", in the name of `function`, if a watched number's words don't
+    /// have its residue. One pass over them.
+    void check_hash(const char* function, const ParallelContext& ctx) const;
+
+    /// The residue of the top min(n, L) words of a watched number: what is left of `hash`. One pass over the others.
+    std::uint64_t hash_of_top(std::size_t n, const ParallelContext& ctx) const;
+
     // Queries.
 
     /// The word at position `pos`; zero outside [exp, exp + L).
@@ -177,6 +199,12 @@ private:
     void start(const char* function, std::size_t needed);
     void check_room(const char* function, std::size_t needed) const;
     void set_zero(bool zero_sign);
+    /// Sets `hash` to hash_of_words() where the operands are watched.
+    template <class Hash>
+    void set_hash(bool operands_watched, Hash&& hash_of_words) {
+        watched = operands_watched;
+        if (watched) hash = hash_of_words();
+    }
     void append(Word top_word) {
         if (!is_dry(T)) T[L] = top_word;
         ++L;

@@ -1,4 +1,5 @@
 #include "app/failure/exceptions.h"
+#include "digits/hash/hash_field.h"
 #include "multiply/words/parallel_words.h"
 #include "numbers/big_float.h"
 
@@ -24,6 +25,16 @@ KeptWords kept_words(std::size_t p, const BigFloat& A, const BigFloat& B) {
     return {low, top};
 }
 
+/// What an operand brings into a sum whose words begin at `low`, above whose top it doesn't reach.
+std::uint64_t hash_from(const BigFloat& A, std::int64_t low, const ParallelContext& ctx) {
+    if (A.L == 0 || A.top() <= low) return 0;
+    const std::int64_t begin = std::max(A.exp, low);
+    return shift_words(A.hash_of_top(static_cast<std::size_t>(A.top() - begin), ctx), begin - low);
+}
+
+/// A zero brings nothing, watched or not.
+bool are_watched(const BigFloat& A, const BigFloat& B) { return (A.watched || A.L == 0) && (B.watched || B.L == 0); }
+
 } // namespace
 
 void BigFloat::set_uadd(std::size_t p, const ParallelContext& ctx, const BigFloat& A, const BigFloat& B) {
@@ -33,6 +44,7 @@ void BigFloat::set_uadd(std::size_t p, const ParallelContext& ctx, const BigFloa
     exp = kept.low;
     sign = true;
     if (bp_uadd_window(T, ctx, false, A.window(), B.window(), kept.low, kept.top)) append(1);
+    set_hash(are_watched(A, B), [&] { return add_mod(hash_from(A, exp, ctx), hash_from(B, exp, ctx)); });
 }
 
 void BigFloat::set_usub(std::size_t p, const ParallelContext& ctx, const BigFloat& A, const BigFloat& B) {
@@ -43,6 +55,7 @@ void BigFloat::set_usub(std::size_t p, const ParallelContext& ctx, const BigFloa
     sign = true;
     if (bp_usub_window(T, ctx, false, A.window(), B.window(), kept.low, kept.top))
         throw UnsupportedNegativeException("BigFloat::set_usub()", "A negative value was encountered.");
+    set_hash(are_watched(A, B), [&] { return subtract_mod(hash_from(A, exp, ctx), hash_from(B, exp, ctx)); });
     drop_top_zeros(ctx);
 }
 

@@ -7,6 +7,7 @@ namespace zvp {
 
 /// Removes low zero words and top words of all ones; returns whether there were such top words.
 bool BigFloat::strip_ones(const ParallelContext& ctx) {
+    watched = false;
     if (is_dry(T)) return true;
     const auto low = static_cast<std::size_t>(std::find_if(T, T + L, [](Word x) { return x != 0; }) - T);
     T += low;
@@ -32,6 +33,7 @@ void BigFloat::complement_ip(const ParallelContext& ctx) {
 
 void BigFloat::truncate_at(std::int64_t pos, const ParallelContext& ctx) {
     if (L == 0 || pos >= top()) return;
+    watched = false;
     L = pos <= exp ? 0 : static_cast<std::size_t>(pos - exp);
     drop_top_zeros(ctx);
 }

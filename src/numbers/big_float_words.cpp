@@ -1,6 +1,7 @@
 #include "app/console/console.h"
 #include "app/failure/assertion.h"
 #include "app/failure/exceptions.h"
+#include "digits/hash/hash_field.h"
 #include "multiply/basecase/mulb.h"
 #include "multiply/words/parallel_words.h"
 #include "multiply/words/shoup_divider.h"
@@ -20,6 +21,7 @@ void BigFloat::multiply_word(std::size_t n, const ParallelContext& ctx, const Bi
     exp = a.exp;
     sign = A.sign;
     if (const Word high = bp_mul_word(T, a.T, a.L, x, Word{0}, ctx)) append(high);
+    set_hash(A.watched, [&] { return mul_mod(A.hash_of_top(a.L, ctx), x); });
 }
 
 void BigFloat::set_mul_uW(std::size_t p, const ParallelContext& ctx, const BigFloat& A, Word x) {
@@ -72,12 +74,14 @@ void BigFloat::mul_uW(const ParallelContext& ctx, Word x) {
     if (x == 0) return set_zero(false);
     check_room("BigFloat::mul_uW()", static_cast<std::size_t>(T - buffer) + L + 1);
     if (const Word high = bp_mul_word(T, T, L, x, Word{0}, ctx)) append(high);
+    if (watched) hash = mul_mod(hash, x);
 }
 
 void BigFloat::add_ip(Word word, std::int64_t pos) {
     if (L == 0 || pos < exp || pos > top()) fatal_stop("BigFloat::add_ip(): Magnitude is out of range.");
     check_room("BigFloat::add_ip()", static_cast<std::size_t>(T - buffer) + L + 1);
     const auto index = static_cast<std::size_t>(pos - exp);
+    if (watched) hash = add_mod(hash, shift_words(word, pos - exp));
     if (index == L && word != 0)
         append(word);
     else if (!is_dry(T) && add_word(T + index, L - index, word))
@@ -87,6 +91,7 @@ void BigFloat::add_ip(Word word, std::int64_t pos) {
 void BigFloat::purturb_up(std::size_t k) {
     if (L == 0 || is_dry(T)) return;
     ZVP_ASSERT(k < L);
+    if (watched) hash = add_mod(hash, pow_word(static_cast<std::int64_t>(k)));
     if (!add_word(T + k, L - k, Word{1})) return;
     check_room("BigFloat::purturb_up()", static_cast<std::size_t>(T - buffer) + L + 1);
     append(1);

@@ -28,6 +28,7 @@ std::uint64_t magnitude_hash(const BigFloat& A, const ParallelContext& ctx) {
 BigFloat top_of(BigFloat A, std::uint64_t words) {
     if (A.L > words) {
         const std::size_t cut = A.L - words;
+        A.watched = false;
         A.T += cut;
         A.L -= cut;
         A.exp += static_cast<std::int64_t>(cut);

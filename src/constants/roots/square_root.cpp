@@ -1,6 +1,7 @@
 #include "constants/roots/square_root.h"
 
 #include "app/failure/exceptions.h"
+#include "digits/hash/hash_field.h"
 #include "parallel/memory/carving.h"
 
 #include <string>
@@ -33,6 +34,7 @@ int checked_power(int power) {
 /// x - 1 for x = sqrt(5), whose integer part is a word.
 void subtract_one(BigFloat& x) {
     if (!is_dry(x.T)) --x.T[-x.exp];
+    x.hash = subtract_mod(x.hash, pow_word(-x.exp));
 }
 
 /// x / 2 without a shift of words: a product by W/2 that begins a word lower. The word above takes the carry.

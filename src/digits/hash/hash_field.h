@@ -58,6 +58,10 @@ constexpr std::uint64_t pow_two(std::int64_t e) {
 /// 2^(32 e) for any e: what a word string's hash is multiplied by when the string moves up by e words.
 constexpr std::uint64_t pow_word(std::int64_t e) { return pow_two(e % std::int64_t{hash_bits} * 32); }
 
+/// h * W^words, W = 2^32; a - b.
+constexpr std::uint64_t shift_words(std::uint64_t h, std::int64_t words) { return mul_mod(h, pow_word(words)); }
+constexpr std::uint64_t subtract_mod(std::uint64_t a, std::uint64_t b) { return add_mod(a, hash_negate(b)); }
+
 /// h * 2^64 + w modulo p, lazily: with h < 2^62 + 2^6 the result is below that bound too, as 2^64 = 8 and the parts are
 /// below 2^61, 2^5 and 2^61 + 7.
 constexpr std::uint64_t append_limb(std::uint64_t h, std::uint64_t w) {

@@ -1,9 +1,8 @@
 #include "digits/hash/word_hash.h"
 
 #include "digits/hash/digit_kernels.h"
-#include "parallel/tasks/parallelization_settings.h"
-
 #include "parallel/memory/dry_run.h"
+#include "parallel/tasks/parallelization_settings.h"
 
 #include <algorithm>
 #include <array>

@@ -137,6 +137,7 @@ void FloatWriterB::write(const MultiplyParameters& pars, const RunReport& report
     results.decimal = put_out(pars, report, *stream, integer, decimal_digits, rest);
     results.decimal_stream = std::move(stream);
     if (do_verify) verify_all(pars, report, results, x, rest);
+    x.check_hash("FloatWriterB::write()", pars); // what was converted, written and proved is what was computed
 }
 
 void FloatWriterB::verify_all(const MultiplyParameters& pars, const RunReport& report, DigitResults& results,

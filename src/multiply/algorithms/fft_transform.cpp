@@ -81,6 +81,13 @@ std::span<const c32i> FFTTransform::product_words(const std::byte* M, std::size_
     return {reinterpret_cast<const c32i*>(M), capacity_bits / word_bits<c32i>};
 }
 
+std::optional<std::uint64_t> FFTTransform::left_out(const std::byte* M, std::size_t product_length, std::size_t s,
+                                                    std::size_t e) const {
+    const auto* words = reinterpret_cast<const c32i*>(M);
+    const std::uint64_t above = e < product_length ? hash_words(0, words + e, product_length - e) : 0;
+    return add_mod(hash_words(0, words, s), shift_words(above, static_cast<std::int64_t>(e)));
+}
+
 bool FFTTransform::is_checked(std::uint64_t product_words) const {
     const std::uint64_t bits = product_words * word_bits<c32i>;
     return bits >= least_checked_bits && bits <= capacity_bits;

@@ -3,6 +3,8 @@
 #include "multiply/contract/multiply_tables.h"
 #include "multiply/hybrid/hybrid_transform.h"
 
+#include <cstring>
+
 namespace zvp {
 
 namespace {
@@ -62,6 +64,12 @@ void HNTTransform::forward_fmul(const MultiplyParameters& pars, std::byte* M, st
     check_capacity(BL);
     check_capacity(e);
     hybrid_multiply(make_job(size, pars, M), raw(Xa, A, AL), {elements(Xb), B, BL}, T, s, e);
+}
+
+std::optional<std::uint64_t> HNTTransform::left_out(const std::byte* M, std::size_t, std::size_t, std::size_t) const {
+    std::uint64_t hash;
+    std::memcpy(&hash, M, sizeof hash);
+    return hash;
 }
 
 bool HNTTransform::compatible(const Transform& other) const {

@@ -32,6 +32,8 @@ public:
                       std::byte* Xb, const c32i* B, std::size_t BL, c32i* T, std::size_t s,
                       std::size_t e) const override;
     bool compatible(const Transform& other) const override;
+    std::optional<std::uint64_t> left_out(const std::byte* M, std::size_t length, std::size_t s,
+                                          std::size_t e) const override;
 
 private:
     HybridSize size;

@@ -15,6 +15,7 @@
 #include "parallel/memory/dry_run.h"
 
 #include <new>
+#include <optional>
 #include <span>
 #include <utility>
 
@@ -85,6 +86,15 @@ public:
     virtual std::span<const c32i> product_words(const std::byte* M, std::size_t length) const {
         static_cast<void>(M), static_cast<void>(length);
         return {};
+    }
+
+    /// After a product of `length` words (c32i) with this scratch that hasn't folded, and of which the words s .. e - 1 were
+    /// taken: the product less W^s times what was taken, modulo 2^61 - 1: the words that were left out, and carries that the
+    /// range may miss. Nothing where an algorithm can't tell, which is only one of short products.
+    virtual std::optional<std::uint64_t> left_out(const std::byte* M, std::size_t length, std::size_t s,
+                                                  std::size_t e) const {
+        static_cast<void>(M), static_cast<void>(length), static_cast<void>(s), static_cast<void>(e);
+        return std::nullopt;
     }
 
     /// forward of A into X, square. X ends as scratch.

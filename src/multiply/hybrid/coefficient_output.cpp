@@ -1,6 +1,7 @@
 #include "multiply/hybrid/coefficient_output.h"
 
 #include "app/failure/exceptions.h"
+#include "digits/hash/word_hash.h"
 #include "multiply/hybrid/residue.h"
 #include "multiply/words/word_loops.h"
 
@@ -26,7 +27,7 @@ void CoefficientOutput::put(std::uint64_t i, std::uint32_t power, RingWord* x, R
         add_word(r + c, c + 1, carry);
         before[n] = 0;
     }
-    store(i, r);
+    store(i, r, sums);
     const std::uint32_t kept = subtract_residues(value, job.kernels.residue(r, c));
     sums.kept = add_residues(sums.kept, shift_residue(kept, c * i));
     std::memcpy(x, r + c, 4 * (c + 1));
@@ -34,26 +35,41 @@ void CoefficientOutput::put(std::uint64_t i, std::uint32_t power, RingWord* x, R
 }
 
 /// The c words of coefficient i, as far as the range takes them.
-void CoefficientOutput::store(std::uint64_t i, const RingWord* words) const {
+void CoefficientOutput::store(std::uint64_t i, const RingWord* words, Sums& sums) const {
     const std::size_t begin = job.size.c * i, end = begin + job.size.c;
     const std::size_t first = std::max(begin, s), last = std::min(end, e);
     if (first < last) std::memcpy(T + (first - s), words + (first - begin), 4 * (last - first));
+    leave_out(begin, words, job.size.c, sums);
+}
+
+void CoefficientOutput::leave_out(std::size_t begin, const RingWord* words, std::size_t count, Sums& sums) const {
+    const auto count_words = [&](std::size_t from, std::size_t to) {
+        if (from >= to) return;
+        const std::uint64_t hash = hash_words(0, words + (from - begin), to - from);
+        sums.left_out = add_mod(sums.left_out, shift_words(hash, static_cast<std::int64_t>(from)));
+    };
+    count_words(begin, std::min(begin + count, s));
+    count_words(std::max(begin, e), begin + count);
 }
 
 void CoefficientOutput::finish_run(std::uint64_t i, const RingWord* x, Sums& total) const {
     const std::size_t c = job.size.c, begin = c * (i + 1), below_end = std::min(c + 1, capacity() - begin);
     total.kept = add_residues(total.kept, shift_residue(job.kernels.residue(x, c + 1), begin));
-    add(begin, x, below_end);
-    add(0, x + below_end, c + 1 - below_end);
+    add(begin, x, below_end, total);
+    add(0, x + below_end, c + 1 - below_end, total);
 }
 
-void CoefficientOutput::add(std::size_t begin, const RingWord* words, std::size_t count) const {
+void CoefficientOutput::add(std::size_t begin, const RingWord* words, std::size_t count, Sums& total) const {
+    leave_out(begin, words, count, total);
     const std::size_t first = std::max(begin, s), last = std::min(begin + count, e);
     if (first >= last) return;
     RingWord* const at = T + (first - s);
     bool carry = add_words(at, at, words + (first - begin), last - first);
     carry = add_word(T + (last - s), e - last, carry);
-    if (s == 0 && e == capacity()) add_word(T, e, carry);
+    if (s == 0 && e == capacity())
+        add_word(T, e, carry);
+    else if (carry)
+        total.left_out = add_mod(total.left_out, pow_word(static_cast<std::int64_t>(e)));
 }
 
 } // namespace zvp

@@ -20,8 +20,9 @@ public:
 
     /// Sums over coefficients of one task.
     struct Sums {
-        std::uint32_t values = 0; // at check_point
-        std::uint32_t kept = 0;   // at their words
+        std::uint32_t values = 0;   // at check_point
+        std::uint32_t kept = 0;     // at their words
+        std::uint64_t left_out = 0; // of the words outside the range, modulo 2^61 - 1
     };
 
     /// Coefficient i from its element x; `before` is the element of coefficient i - 1, null for the first of a run.
@@ -38,11 +39,14 @@ public:
 
 private:
     std::size_t capacity() const { return job.size.c << job.size.k; } // words
-    void store(std::uint64_t i, const RingWord* words) const;
+    void store(std::uint64_t i, const RingWord* words, Sums& sums) const;
 
     /// Adds `count` words at word `begin`, as far as the range takes them. What leaves the top of all words comes in at
     /// the bottom.
-    void add(std::size_t begin, const RingWord* words, std::size_t count) const;
+    void add(std::size_t begin, const RingWord* words, std::size_t count, Sums& total) const;
+
+    /// Counts the words from `begin` on that lie outside the range.
+    void leave_out(std::size_t begin, const RingWord* words, std::size_t count, Sums& sums) const;
 
     const HybridJob& job;
     RingWord* T;

@@ -1,6 +1,7 @@
 #include "multiply/hybrid/hybrid_transform.h"
 
 #include "app/failure/exceptions.h"
+#include "digits/hash/hash_field.h"
 #include "multiply/hybrid/coefficient_output.h"
 #include "multiply/hybrid/coefficient_residues.h"
 #include "multiply/hybrid/range_tasks.h"
@@ -92,6 +93,9 @@ public:
     void add(const CoefficientOutput::Sums& sums) {
         values += sums.values;
         kept += sums.kept;
+        std::uint64_t before = left_out.load(std::memory_order_relaxed);
+        while (!left_out.compare_exchange_weak(before, add_mod(before, sums.left_out), std::memory_order_relaxed)) {
+        }
     }
     void expect(std::uint32_t expected_value, std::uint32_t expected_kept) const {
         if (reduce_residue(values) != expected_value || reduce_residue(kept) != expected_kept)
@@ -100,6 +104,9 @@ public:
 
 private:
     std::atomic<std::uint64_t> values{0}, kept{0}; // of residues: as many as tasks
+
+public:
+    std::atomic<std::uint64_t> left_out{0}; // modulo 2^61 - 1
 };
 
 /// The last pass of the inverse, and the way out.
@@ -131,6 +138,8 @@ void inverse_columns(const HybridJob& job, RingWord* X, RingWord* T, std::size_t
             output.finish_run(last, X + last * size.stride, left);
         }
     check.expect(expected, left.kept);
+    const std::uint64_t left_out = add_mod(check.left_out, left.left_out);
+    std::memcpy(job.M, &left_out, sizeof left_out);
 }
 
 /// The row of a form, ready for products.

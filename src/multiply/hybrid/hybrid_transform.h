@@ -43,6 +43,9 @@ struct HybridOperand {
 /// which its top folds, but for a carry out of those. Xd takes the work and may be Xa; Xb may be Xa, and survives when it
 /// isn't Xd.
 ///
+/// At the start of M stands, as 64 bits, what the product is modulo 2^61 - 1 less 2^(32 s) times T: the words that were left
+/// out, with the carries that are missing. It means nothing for a product that has folded.
+///
 /// A fault of the memory or the processor, from the words of the operands to those of the product, throws: mostly
 /// AlgorithmFailedException, "Coefficient is too large.", else ConvolutionFailedException, "Modular redundancy check
 /// failed." (coefficient_residues.h). T is undefined then.

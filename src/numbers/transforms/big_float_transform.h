@@ -22,6 +22,9 @@
 // and for a range that holds no word of the product, T is zero with sign 0, and no transform is run but those that are
 // to be kept.
 //
+// A product of watched operands that doesn't fold is watched: its residue is that of the operands' product less the words that
+// were left out, which the transform still has at hand. So nothing of the way, form or product, goes unwatched.
+//
 // Errors, each with the name of the operation; T is unchanged:
 //   TransformTooSmallException    a cut operand has more words than tr
 //   ConvolutionTooSmallException  te is above the words that the fold leaves alone ("BigFloatTransformR::params()")
@@ -47,7 +50,9 @@ public:
     std::int64_t exp = 0;              // of the operand after cutting, as are the next two
     std::size_t L = 0;                 // 0: the operand is zero
     bool sign = false;
-    std::int64_t top = 0; // exp + L
+    std::int64_t top = 0;   // exp + L
+    std::uint64_t hash = 0; // that the operand's words must have, if it is watched, modulo 2^61 - 1
+    bool watched = false;
 
     /// this = the forward form of A, at X. A zero leaves X alone.
     void forward(const MultiplyParameters& pars, const Transform& tr, std::byte* M, const BigFloat& A, std::size_t p,

@@ -13,8 +13,8 @@
 namespace zvp::BinarySplitting {
 
 /// The terms (a, b] of a series. Equilibrium blocks (E) have numbers no longer than the precision at their start: these
-/// are exact and checked by their residues. Those of aggressive blocks (A) would be longer, and are cut; nothing checks
-/// them. Read-only once made.
+/// are exact and checked by their residues. Those of aggressive blocks (A) would be longer, and are cut; they are watched
+/// (numbers/big_float.h) and checked as well. Read-only once made.
 template <class Family>
 class PSR_BlockB {
 public:

@@ -1,10 +1,13 @@
 #pragma once
 // What the exact merges have in common.
 
+#include "digits/hash/hash_field.h"
 #include "numbers/transforms/exact_float_transform.h"
 #include "numbers/transforms/transform_helper.h"
 #include "series/splitting/block_plan.h"
 #include "series/splitting/family_numbers.h"
+
+#include <type_traits>
 
 namespace zvp::BinarySplitting {
 
@@ -87,6 +90,8 @@ void strip_low_zeros(Number& A) {
         A.T += number_alignment;
         A.L -= number_alignment;
         A.exp += std::int64_t{number_alignment};
+        if constexpr (std::is_same_v<Number, BigFloat>)
+            A.hash = shift_words(A.hash, -std::int64_t{number_alignment});
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 // The numbers of a node, in both arithmetic kinds, as views of the same storage.
 
+#include "digits/hash/hash_field.h"
 #include "numbers/big_float.h"
 #include "numbers/exact_float.h"
 
@@ -12,7 +13,7 @@ namespace zvp::BinarySplitting {
 using ExactNumber = ExactFloat<wtype>;
 using LeafInt = BasicInt<wtype>;
 
-/// A view of the same words; the residue is lost.
+/// A view of the same words; the residue goes over to those of the magnitude's words alone.
 inline BigFloat as_float(const ExactNumber& A) {
     BigFloat view(A.buffer, A.capacity);
     if (A.L == 0) return view;
@@ -20,6 +21,8 @@ inline BigFloat as_float(const ExactNumber& A) {
     view.L = A.L;
     view.exp = A.exp;
     view.sign = A.sign;
+    view.hash = shift_words(A.sign ? normalize_hash(A.hash) : hash_negate(A.hash), -A.exp);
+    view.watched = true;
     return view;
 }
 
