@@ -28,7 +28,7 @@ constexpr auto guards = static_cast<std::int64_t>(BigFloat::extra_precision);
 } // namespace
 
 StepWatch::StepWatch(const char* function_, const TransformHelper& helper_, bool on_)
-    : on(on_ && !is_dry(helper_.M())),
+    : on(arithmetic_is_watched && on_ && !is_dry(helper_.M())),
       sees_products(on && !helper_.transform().product_words(helper_.M(), 1).empty()),
       function(function_),
       helper(helper_) {}

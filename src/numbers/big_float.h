@@ -32,6 +32,7 @@
 // relative error is below W^-(n-1); n = p+1, or p where x is a signed double word that fits a word.
 // A quotient by x: of the integer A' that the cut leaves, A'/x loses at most (x-1)/x, and the cut less than 1/x.
 
+#include "app/console/watching.h"
 #include "multiply/contract/multiply_parameters.h"
 #include "multiply/words/word_window.h"
 #include "parallel/memory/dry_run.h"
@@ -202,7 +203,7 @@ private:
     /// Sets `hash` to hash_of_words() where the operands are watched.
     template <class Hash>
     void set_hash(bool operands_watched, Hash&& hash_of_words) {
-        watched = operands_watched;
+        watched = operands_watched && arithmetic_is_watched;
         if (watched) hash = hash_of_words();
     }
     void append(Word top_word) {

@@ -2,6 +2,7 @@
 
 #include "app/console/build_info.h"
 #include "app/console/console.h"
+#include "app/console/watching.h"
 #include "platform/kernel_set.h"
 
 #include <string>
@@ -22,7 +23,9 @@ void print_banner() {
 void print_tuning() {
     const platform::KernelSet set = platform::active_kernel_set();
     set_color('w');
-    print_labelc("Tuning", " Linux/" + std::string(platform::kernel_set_name(set)), 'G');
+    print_labelc(
+        "Tuning",
+        " Linux/" + std::string(platform::kernel_set_name(set)) + (arithmetic_is_watched ? "" : " (unwatched)"), 'G');
     print("  -  ", 'w');
     print_line(platform::kernel_set_processors(set));
 }

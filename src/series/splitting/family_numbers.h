@@ -22,7 +22,7 @@ inline BigFloat as_float(const ExactNumber& A) {
     view.exp = A.exp;
     view.sign = A.sign;
     view.hash = shift_words(A.sign ? normalize_hash(A.hash) : hash_negate(A.hash), -A.exp);
-    view.watched = true;
+    view.watched = arithmetic_is_watched;
     return view;
 }
 

@@ -1,6 +1,7 @@
 #include "series/splitting/verify.h"
 
 #include "app/failure/exceptions.h"
+#include "app/console/watching.h"
 #include "digits/hash/hash_field.h"
 
 #include <algorithm>
@@ -36,7 +37,7 @@ void zvc_Verify_BSR(std::uint64_t a, std::uint64_t b, std::span<const ExactNumbe
                     const ParallelContext& ctx) {
     constexpr std::size_t parallel_words = 10'000; // of the first number
     const auto n = static_cast<std::uint32_t>(numbers.size());
-    if (n > 0 && is_dry(numbers[0].buffer)) return;
+    if (!arithmetic_is_watched || (n > 0 && is_dry(numbers[0].buffer))) return;
     if (n == 0 || n > max_numbers)
         throw InvalidParametersException("zvc_Verify_BSR()", "One to four numbers are expected.");
     ParallelContext each = ctx;
