@@ -1,6 +1,7 @@
 #include "multiply/algorithms/bkt_transform.h"
 
 #include "app/failure/exceptions.h"
+#include "digits/hash/word_hash.h"
 #include "multiply/algorithms/bkt_range.h"
 
 #include <cstring>
@@ -89,6 +90,13 @@ void BKTTransform::inverse_fmul(const MultiplyParameters&, std::byte* M, std::by
                                 std::size_t s, std::size_t e) const {
     check_capacity(e * word_bits<c64i>);
     multiply_forms(M, Xa, Xb, T, s, e);
+}
+
+/// A product that was cut at its top wasn't made as a whole.
+std::optional<std::uint64_t> BKTTransform::left_out(const std::byte* M, std::size_t length, std::size_t s,
+                                                   std::size_t e) const {
+    if (e < length) return std::nullopt;
+    return hash_words(0, reinterpret_cast<const c32i*>(M), s);
 }
 
 bool BKTTransform::compatible(const Transform& other) const {

@@ -37,6 +37,8 @@ public:
     void inverse_fmul(const MultiplyParameters& pars, std::byte* M, std::byte* Xa, const std::byte* Xb, c64i* T,
                       std::size_t s, std::size_t e) const override;
     bool compatible(const Transform& other) const override;
+    std::optional<std::uint64_t> left_out(const std::byte* M, std::size_t length, std::size_t s,
+                                          std::size_t e) const override;
     std::span<const c32i> product_words(const std::byte* M, std::size_t length) const override {
         return {reinterpret_cast<const c32i*>(M), length};
     }
