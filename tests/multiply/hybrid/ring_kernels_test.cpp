@@ -1,4 +1,4 @@
-// The arithmetic of ring elements against GMP modulo 2^N + 1, in both implementations.
+// The arithmetic of ring elements against GMP modulo 2^N + 1, in every kernel set.
 
 #include "hybrid_areas.h"
 #include "multiply/hybrid/element_passes.h"
@@ -71,9 +71,9 @@ private:
     mpz_class modulus;
 };
 
-/// Blocks are 4 and 8 limbs: halves and wholes of one, and all remainders.
-constexpr std::size_t ring_words[]{4,  8,  12, 16, 20, 24, 28, 32,  36,  40,  44,  48,
-                                   52, 56, 60, 64, 68, 84, 96, 100, 128, 132, 260, 388};
+/// Blocks are 4 and 8 limbs, strips 64: halves and wholes of one, and all remainders.
+constexpr std::size_t ring_words[]{4,  8,  12, 16, 20, 24, 28,  32,  36,  40,  44,  48, 52,
+                                   56, 60, 64, 68, 84, 96, 100, 128, 132, 260, 388, 524};
 
 class Kernels : public testing::TestWithParam<platform::KernelSet> {
 protected:
@@ -240,12 +240,7 @@ TEST_P(Kernels, RootsOfEvenAndOddHalfBits) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Sets, Kernels, testing::ValuesIn([] {
-                             std::vector<platform::KernelSet> sets{platform::KernelSet::sse3};
-                             if (platform::kernel_set_supported(platform::KernelSet::avx512))
-                                 sets.push_back(platform::KernelSet::avx512);
-                             return sets;
-                         }()),
+INSTANTIATE_TEST_SUITE_P(Sets, Kernels, testing::ValuesIn(test::kernel_sets()),
                          [](const auto& set) { return std::string(platform::kernel_set_name(set.param)); });
 
 } // namespace

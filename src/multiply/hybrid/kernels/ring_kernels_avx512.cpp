@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstring>
 #include <type_traits>
+#include <utility>
 
 #include "platform/simd/target_avx512_begin.inl"
 
@@ -16,11 +17,12 @@ namespace {
 
 using Limb = std::uint64_t;
 
+#include "multiply/hybrid/kernels/elements.inl"
+
 /// Eight limbs of a vector. Limbs that carry out, and limbs that would if they took a carry in, become bits of two masks;
 /// adding the masks as integers runs the carries through all limbs at once.
 struct Block {
     static constexpr std::size_t limbs = 8;
-    static constexpr bool lazy_carries = true;
     using Limbs = __mmask8;
 
     __m512i v;
@@ -61,8 +63,15 @@ struct Block {
     ZVP_KERNEL_INLINE friend Block less_one(Block a, Limbs there) {
         return {_mm512_mask_add_epi64(a.v, there, a.v, _mm512_set1_epi64(-1))};
     }
-    /// Each limb of a at the place of the next; the top one of the block before at the lowest.
-    ZVP_KERNEL_INLINE friend Block moved_up(Block a, Block before) { return {_mm512_alignr_epi64(a.v, before.v, 7)}; }
+    ZVP_KERNEL_INLINE static Block no_count() { return zero(); }
+    ZVP_KERNEL_INLINE friend Block lifted(Block a) { return a; }
+    ZVP_KERNEL_INLINE friend Block lowered(Block a) { return a; }
+    /// Each limb of `now` at the place of the next; the top one of the block before, which `counts` held, at the lowest.
+    ZVP_KERNEL_INLINE friend Block moved_up(Block now, Block& counts) {
+        const Block in{_mm512_alignr_epi64(now.v, counts.v, 7)};
+        counts = now;
+        return in;
+    }
     /// `changes`, and what changes from a to b.
     ZVP_KERNEL_INLINE friend Block or_changes(Block changes, Block a, Block b) {
         return {_mm512_ternarylogic_epi64(changes.v, a.v, b.v, 0xF6)};
@@ -71,7 +80,7 @@ struct Block {
     ZVP_KERNEL_INLINE friend Block add_to_top(Block a, Limb count) {
         return {_mm512_mask_add_epi64(a.v, 0x80, a.v, _mm512_set1_epi64(static_cast<long long>(count)))};
     }
-    ZVP_KERNEL_INLINE friend Limb top_limb(Block a) {
+    ZVP_KERNEL_INLINE friend Limb top_count(Block a) {
         return static_cast<Limb>(_mm_extract_epi64(_mm512_extracti64x2_epi64(a.v, 3), 1));
     }
 
@@ -84,6 +93,9 @@ private:
     }
 };
 
+using Lanes = Block;
+
+#include "multiply/hybrid/kernels/block_sums.inl"
 #include "multiply/hybrid/kernels/ring_kernels.inl"
 
 } // namespace

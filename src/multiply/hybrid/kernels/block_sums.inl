@@ -1,64 +1,45 @@
-// The sums of a radix-4 step, forwards and backwards. Of four numbers p, q, r, s they are
-//
-//   (p + q) + (r + s),  (p + q) - (r + s),  (p - q) + J (r - s),  (p - q) - J (r - s).
-//
-// J moves one half of an element into the other, so that both halves are done at once and each is summed from its own
-// bottom. What leaves a half is settled afterwards: left() tells it.
+// Sums in terms of `Block`, limbs of a vector that are added and subtracted as one number: Block::limbs, load, store, add,
+// subtract (with a carry or borrow of 0 or 1 in and out); and limb by limb, as OneLimb has them, what LazyRadix4 takes.
 
-struct Radix4Operands {
-    const RingWord* in[4]; // p, q, r, s
-    RingWord* out[4];      // in the order above; out[0] may be one of `in`
-    std::size_t half;      // words
-};
-
-/// Each sum and difference has its chain of carries.
-class ChainedRadix4 {
-public:
-    explicit ChainedRadix4(const Radix4Operands& operands) : o(operands) {}
-
-    void run(std::size_t count) { for_blocks(count, *this); }
+struct AddSubtractStep {
+    RingWord *sum, *difference;
+    const RingWord *a, *b;
+    unsigned carry, borrow;
 
     template <class B>
     ZVP_KERNEL_INLINE void run(std::size_t w) {
-        B u[2], d[2], v[2], e[2];
-        for (int h = 0; h < 2; ++h) {
-            const std::size_t at = w + (h ? o.half : 0);
-            const B p = B::load(o.in[0] + at), q = B::load(o.in[1] + at), r = B::load(o.in[2] + at),
-                    s = B::load(o.in[3] + at);
-            u[h] = add(p, q, first[0][h]);
-            d[h] = subtract(p, q, first[1][h]);
-            v[h] = add(r, s, first[2][h]);
-            e[h] = subtract(r, s, first[3][h]);
-        }
-        for (int h = 0; h < 2; ++h) {
-            const std::size_t at = w + (h ? o.half : 0);
-            add(u[h], v[h], second[0][h]).store(o.out[0] + at);
-            subtract(u[h], v[h], second[1][h]).store(o.out[1] + at);
-        }
-        subtract(d[0], e[1], second[2][0]).store(o.out[2] + w);
-        add(d[1], e[0], second[2][1]).store(o.out[2] + o.half + w);
-        add(d[0], e[1], second[3][0]).store(o.out[3] + w);
-        subtract(d[1], e[0], second[3][1]).store(o.out[3] + o.half + w);
+        const B x = B::load(a + w), y = B::load(b + w);
+        add(x, y, carry).store(sum + w);
+        subtract(x, y, borrow).store(difference + w);
     }
-
-    /// What leaves half h of result i.
-    Wide left(int i, int h) const {
-        const auto chain = [&](const unsigned(&chains)[4][2], int j, int half) { return Wide{chains[j][half]}; };
-        const Wide last = chain(second, i, h);
-        switch (i) {
-        case 0: return chain(first, 0, h) + chain(first, 2, h) + last;
-        case 1: return chain(first, 0, h) - chain(first, 2, h) - last;
-        default: break;
-        }
-        const bool plus = (i == 2) == (h == 1);
-        const Wide other = chain(first, 3, 1 - h) - last;
-        return -chain(first, 1, h) + (plus ? -other : other);
-    }
-
-private:
-    Radix4Operands o;
-    unsigned first[4][2]{}, second[4][2]{};
 };
+
+/// Each result may be an operand.
+void add_subtract(RingWord* sum, RingWord* difference, const RingWord* a, const RingWord* b, std::size_t limbs,
+                  unsigned& carry, unsigned& borrow) {
+    AddSubtractStep step{sum, difference, a, b, carry, borrow};
+    for_blocks<Block>(limbs, step);
+    carry = step.carry;
+    borrow = step.borrow;
+}
+
+struct SubtractStep {
+    RingWord* x;
+    const RingWord* y;
+    unsigned borrow;
+
+    template <class B>
+    ZVP_KERNEL_INLINE void run(std::size_t w) {
+        subtract(B::load(x + w), B::load(y + w), borrow).store(x + w);
+    }
+};
+
+/// x -= y; returns the borrow.
+unsigned subtract_run(RingWord* x, const RingWord* y, std::size_t limbs) {
+    SubtractStep step{x, y, 0};
+    for_blocks<Block>(limbs, step);
+    return step.borrow;
+}
 
 /// Limbs are summed without a look at the carries of those below. What leaves them, -2 to 3 in each, is counted, moved up
 /// by one and added. That this leaves a limb again is as good as never seen in random numbers and common in others: where
@@ -76,7 +57,7 @@ public:
         Counts<Vector> counts;
         std::size_t i = 0;
         while (i < blocks_end) i = exact_blocks(lazy_blocks(i, blocks_end, counts), blocks_end, counts);
-        for (int k = 0; k < 8; ++k) last.of[k / 2][k % 2] = {top_limb(counts.of[k / 2][k % 2])};
+        for (int k = 0; k < 8; ++k) last.of[k / 2][k % 2] = {top_count(counts.of[k / 2][k % 2])};
         for (; i < count; ++i) step<true>(2 * i, last);
     }
 
@@ -90,17 +71,18 @@ private:
         B of[4][2];
 
         ZVP_KERNEL_INLINE Counts() {
-            for (auto& result : of) result[0] = result[1] = B::zero();
+            for (auto& result : of) result[0] = result[1] = B::no_count();
         }
     };
 
-    /// A sum or difference, and the limbs that it carries or borrows from.
+    /// A sum or difference, lifted, and the limbs that it carries or borrows from.
     template <class B>
     struct Lazy {
         B value;
         typename B::Limbs out;
     };
 
+    /// a is lifted.
     template <class B>
     ZVP_KERNEL_INLINE static Lazy<B> sum(B a, B b) {
         const B value = plus(a, b);
@@ -108,12 +90,14 @@ private:
     }
     template <class B>
     ZVP_KERNEL_INLINE static Lazy<B> difference(B a, B b) {
-        return {minus(a, b), below(a, b)};
+        const B value = minus(a, b);
+        return {value, below(a, value)};
     }
 
     /// Blocks from limb i on, up to `end` or to one that can't be done so, whose place is returned. Its own function:
     /// calls for such blocks in the loop would drive the counts out of the registers.
-    __attribute__((noinline)) std::size_t lazy_blocks(std::size_t i, std::size_t end, Counts<Vector>& counts) const {
+    __attribute__((noinline, force_align_arg_pointer)) std::size_t lazy_blocks(std::size_t i, std::size_t end,
+                                                                               Counts<Vector>& counts) const {
         Counts<Vector> local = counts;
         while (i < end && step<false>(2 * i, local)) i += Vector::limbs;
         counts = local;
@@ -134,7 +118,7 @@ private:
         Lazy<B> u[2], d[2], v[2], e[2];
         for (int h = 0; h < 2; ++h) {
             const std::size_t at = w + (h ? o.half : 0);
-            const B p = B::load(o.in[0] + at), q = B::load(o.in[1] + at), r = B::load(o.in[2] + at),
+            const B p = lifted(B::load(o.in[0] + at)), q = B::load(o.in[1] + at), r = lifted(B::load(o.in[2] + at)),
                     s = B::load(o.in[3] + at);
             u[h] = sum(p, q);
             d[h] = difference(p, q);
@@ -161,26 +145,26 @@ private:
     template <bool Exact, bool OfDifferences, class B>
     ZVP_KERNEL_INLINE static void second(const Lazy<B>& a, const Lazy<B>& b, B& plus_value, B& plus_counts,
                                          B& minus_value, B& minus_counts, B& changed) {
-        const Lazy<B> s = sum(a.value, b.value), d = difference(a.value, b.value);
-        const B zero = B::zero();
-        const B of_a = OfDifferences ? less_one(zero, a.out) : plus_one(zero, a.out);
+        const B plain = lowered(b.value);
+        const Lazy<B> s = sum(a.value, plain), d = difference(a.value, plain);
+        const B none = B::no_count();
+        const B of_a = OfDifferences ? less_one(none, a.out) : plus_one(none, a.out);
         const B with_b = OfDifferences ? less_one(of_a, b.out) : plus_one(of_a, b.out);
         const B without_b = OfDifferences ? plus_one(of_a, b.out) : less_one(of_a, b.out);
         plus_value = with_counts<Exact>(s.value, plus_one(with_b, s.out), plus_counts, changed);
         minus_value = with_counts<Exact>(d.value, less_one(without_b, d.out), minus_counts, changed);
     }
 
-    /// The block with what left the limbs below each; `counts` becomes what leaves its own, `now`.
+    /// The block, lowered, with what left the limbs below each; `counts` becomes what leaves its own, `now`.
     template <bool Exact, class B>
     ZVP_KERNEL_INLINE static B with_counts(B value, B now, B& counts, B& changed) {
         const B in = moved_up(now, counts);
-        counts = now;
         const B moved = plus(value, in);
-        changed = or_changes(changed, value, moved);
+        changed = or_changes(changed, lowered(value), moved);
         if constexpr (!Exact) return moved;
         const B two = B::broadcast(2); // no count is below -2: both terms are positive
         unsigned carry = 0, borrow = 0;
-        const B more = add(value, plus(in, two), carry);
+        const B more = add(lowered(value), plus(lowered(in), two), carry);
         const B exact = subtract(more, two, borrow);
         counts = add_to_top(counts, Limb{carry} - Limb{borrow});
         return exact;
@@ -190,21 +174,4 @@ private:
     Counts<OneLimb> last;
 };
 
-using Radix4 = std::conditional_t<Block::lazy_carries, LazyRadix4<Block>, ChainedRadix4>;
-
-/// Settles what left the halves: `low` at the middle, `high` at the top.
-ZVP_KERNEL_INLINE void settle(RingWord* x, std::size_t n, Wide low, Wide high) {
-    x[n] = static_cast<RingWord>(high);
-    add_at(x, n, n / 4, low);
-}
-
-void radix4(const Radix4Operands& o, std::size_t n) {
-    const Wide p = top_of(o.in[0], n), q = top_of(o.in[1], n), r = top_of(o.in[2], n), s = top_of(o.in[3], n);
-    Radix4 sums(o);
-    sums.run(n / 4);
-    settle(o.out[0], n, sums.left(0, 0), p + q + r + s + sums.left(0, 1));
-    settle(o.out[1], n, sums.left(1, 0), p + q - r - s + sums.left(1, 1));
-    // J times the tops of r - s is minus them at the middle.
-    settle(o.out[2], n, sums.left(2, 0) - (r - s), p - q + sums.left(2, 1));
-    settle(o.out[3], n, sums.left(3, 0) + (r - s), p - q + sums.left(3, 1));
-}
+using Radix4 = LazyRadix4<Block>;
