@@ -43,7 +43,7 @@ unsigned subtract_run(RingWord* x, const RingWord* y, std::size_t limbs) {
 
 /// Limbs are summed without a look at the carries of those below. What leaves them, -2 to 3 in each, is counted, moved up
 /// by one and added. That this leaves a limb again is as good as never seen in random numbers and common in others: where
-/// a changed top bit tells that it may be so, the block is done once more with carries that run.
+/// a changed top bit tells that it may be so, the carries run through what has been stored.
 ///
 /// What leaves a block is -2 to 3 as well, runs included: of numbers of w bits and -2 to 3 that come in, the least sum is
 /// -2 (2^w - 1) - 2 = -2 * 2^w, the largest 4 (2^w - 1) + 3 < 4 * 2^w.
@@ -53,19 +53,20 @@ public:
     explicit LazyRadix4(const Radix4Operands& operands) : o(operands) {}
 
     void run(std::size_t count) {
-        const std::size_t blocks_end = count / Vector::limbs * Vector::limbs;
-        Counts<Vector> counts;
-        std::size_t i = 0;
-        while (i < blocks_end) i = exact_blocks(lazy_blocks(i, blocks_end, counts), blocks_end, counts);
-        for (int k = 0; k < 8; ++k) last.of[k / 2][k % 2] = {top_count(counts.of[k / 2][k % 2])};
-        for (; i < count; ++i) step<true>(2 * i, last);
+        const std::size_t pairs_end = count / (2 * Vector::limbs) * (2 * Vector::limbs);
+        run_pairs(pairs_end);
+        for (int k = 0; k < 8; ++k) last[0].of[k / 2][k % 2] = {top_count(counts[0].of[k / 2][k % 2])};
+        for (std::size_t i = pairs_end; i < count; ++i) {
+            step(2 * i, last[0], last[1]);
+            last[0] = last[1];
+        }
     }
 
     /// What leaves half h of result i.
-    Wide left(int i, int h) const { return static_cast<std::int64_t>(last.of[i][h].v); }
+    Wide left(int i, int h) const { return static_cast<std::int64_t>(last[0].of[i][h].v); }
 
 private:
-    /// What left the limbs of the last block, of result and half.
+    /// What left the limbs of a block, of result and half.
     template <class B>
     struct Counts {
         B of[4][2];
@@ -74,6 +75,9 @@ private:
             for (auto& result : of) result[0] = result[1] = B::no_count();
         }
     };
+
+    /// Of the vectors' blocks by turns: in registers where there are enough, else in memory from the start.
+    using PlacedCounts = std::conditional_t<Vector::many_registers, Counts<Vector>, Counts<Vector>&>;
 
     /// A sum or difference, lifted, and the limbs that it carries or borrows from.
     template <class B>
@@ -94,84 +98,110 @@ private:
         return {value, below(a, value)};
     }
 
-    /// Blocks from limb i on, up to `end` or to one that can't be done so, whose place is returned. Its own function:
-    /// calls for such blocks in the loop would drive the counts out of the registers.
-    __attribute__((noinline, force_align_arg_pointer)) std::size_t lazy_blocks(std::size_t i, std::size_t end,
-                                                                               Counts<Vector>& counts) const {
-        Counts<Vector> local = counts;
-        while (i < end && step<false>(2 * i, local)) i += Vector::limbs;
-        counts = local;
-        return i;
+    /// The limbs [0, end), by two blocks. With an aligned stack: clang 14 spills to any address otherwise.
+    __attribute__((noinline, force_align_arg_pointer)) void run_pairs(std::size_t end) {
+        PlacedCounts even = counts[0], odd = counts[1];
+        for (std::size_t i = 0; i < end; i += 2 * Vector::limbs) {
+            step(2 * i, even, odd);
+            step(2 * (i + Vector::limbs), odd, even);
+        }
+        if constexpr (Vector::many_registers) counts[0] = even;
     }
 
-    /// Blocks from limb i on with carries that run, up to `end` or behind one that hadn't needed them.
-    __attribute__((noinline)) std::size_t exact_blocks(std::size_t i, std::size_t end, Counts<Vector>& counts) const {
-        Counts<Vector> local = counts;
-        for (bool needed = true; i < end && needed; i += Vector::limbs) needed = !step<true>(2 * i, local);
-        counts = local;
-        return i;
-    }
-
-    /// One block. Returns false where a carry may have to run: without Exact, nothing has been done then.
-    template <bool Exact, class B>
-    ZVP_KERNEL_INLINE bool step(std::size_t w, Counts<B>& counts) const {
-        Lazy<B> u[2], d[2], v[2], e[2];
+    /// One block at word w: `before` has left the one below, `now` leaves this one.
+    template <class B>
+    ZVP_KERNEL_INLINE void step(std::size_t w, const Counts<B>& before, Counts<B>& now) const {
+        B changes = B::no_changes();
+        Lazy<B> u, v, d[2], e[2];
         for (int h = 0; h < 2; ++h) {
             const std::size_t at = w + (h ? o.half : 0);
             const B p = lifted(B::load(o.in[0] + at)), q = B::load(o.in[1] + at), r = lifted(B::load(o.in[2] + at)),
                     s = B::load(o.in[3] + at);
-            u[h] = sum(p, q);
+            u = sum(p, q);
             d[h] = difference(p, q);
-            v[h] = sum(r, s);
+            v = sum(r, s);
             e[h] = difference(r, s);
+            second<false>(u, v, o.out[0] + at, before.of[0][h], now.of[0][h], o.out[1] + at, before.of[1][h],
+                          now.of[1][h], changes);
         }
-        B value[4][2], changed = B::zero();
-        Counts<B> next = counts;
-        auto& of = next.of;
-        second<Exact, false>(u[0], v[0], value[0][0], of[0][0], value[1][0], of[1][0], changed);
-        second<Exact, false>(u[1], v[1], value[0][1], of[0][1], value[1][1], of[1][1], changed);
-        second<Exact, true>(d[0], e[1], value[3][0], of[3][0], value[2][0], of[2][0], changed);
-        second<Exact, true>(d[1], e[0], value[2][1], of[2][1], value[3][1], of[3][1], changed);
-        const bool quiet = !any_top_bit(changed);
-        if constexpr (!Exact)
-            if (__builtin_expect(!quiet, false)) return false;
-        for (int i = 0; i < 4; ++i)
-            for (int h = 0; h < 2; ++h) value[i][h].store(o.out[i] + w + (h ? o.half : 0));
-        counts = next;
-        return quiet;
+        second<true>(d[0], e[1], o.out[3] + w, before.of[3][0], now.of[3][0], o.out[2] + w, before.of[2][0],
+                     now.of[2][0], changes);
+        second<true>(d[1], e[0], o.out[2] + o.half + w, before.of[2][1], now.of[2][1], o.out[3] + o.half + w,
+                     before.of[3][1], now.of[3][1], changes);
+        if (__builtin_expect(!any(changes), true)) return;
+        if constexpr (B::many_registers) {
+            // Copies: what is handed on would leave the registers.
+            const Counts<B> below_it = before;
+            Counts<B> its = now;
+            run_carries(w, below_it, its);
+            now = its;
+        } else {
+            run_carries(w, before, now);
+        }
     }
 
-    /// a + b and a - b, which come of sums or of differences, to `plus_value` and `minus_value`, and their counts.
-    template <bool Exact, bool OfDifferences, class B>
-    ZVP_KERNEL_INLINE static void second(const Lazy<B>& a, const Lazy<B>& b, B& plus_value, B& plus_counts,
-                                         B& minus_value, B& minus_counts, B& changed) {
+    /// a + b and a - b, which come of sums or of differences, and their counts.
+    template <bool OfDifferences, class B>
+    ZVP_KERNEL_INLINE static void second(const Lazy<B>& a, const Lazy<B>& b, RingWord* plus_to, const B& plus_before,
+                                         B& plus_now, RingWord* minus_to, const B& minus_before, B& minus_now,
+                                         B& changes) {
         const B plain = lowered(b.value);
         const Lazy<B> s = sum(a.value, plain), d = difference(a.value, plain);
         const B none = B::no_count();
         const B of_a = OfDifferences ? less_one(none, a.out) : plus_one(none, a.out);
         const B with_b = OfDifferences ? less_one(of_a, b.out) : plus_one(of_a, b.out);
         const B without_b = OfDifferences ? plus_one(of_a, b.out) : less_one(of_a, b.out);
-        plus_value = with_counts<Exact>(s.value, plus_one(with_b, s.out), plus_counts, changed);
-        minus_value = with_counts<Exact>(d.value, less_one(without_b, d.out), minus_counts, changed);
+        put(s.value, plus_one(with_b, s.out), plus_to, plus_before, plus_now, changes);
+        put(d.value, less_one(without_b, d.out), minus_to, minus_before, minus_now, changes);
     }
 
-    /// The block, lowered, with what left the limbs below each; `counts` becomes what leaves its own, `now`.
-    template <bool Exact, class B>
-    ZVP_KERNEL_INLINE static B with_counts(B value, B now, B& counts, B& changed) {
-        const B in = moved_up(now, counts);
-        const B moved = plus(value, in);
-        changed = or_changes(changed, lowered(value), moved);
-        if constexpr (!Exact) return moved;
-        const B two = B::broadcast(2); // no count is below -2: both terms are positive
-        unsigned carry = 0, borrow = 0;
-        const B more = add(lowered(value), plus(lowered(in), two), carry);
-        const B exact = subtract(more, two, borrow);
-        counts = add_to_top(counts, Limb{carry} - Limb{borrow});
-        return exact;
+    /// Stores the sum with what left the limbs below each: `count` leaves its own.
+    template <class B>
+    ZVP_KERNEL_INLINE static void put(B value, B count, RingWord* to, const B& before, B& now, B& changes) {
+        now = turned_up(count);
+        const B moved = plus(value, moved_up(now, before));
+        changes = with_changes(changes, value, moved);
+        moved.store(to);
+    }
+
+    /// Lets the carries run that adding the counts made in the block at word w.
+    template <class B>
+    __attribute__((noinline)) void run_carries(std::size_t w, const Counts<B>& before, Counts<B>& now) const {
+        run_carries_of<0>(w, before, now);
+        run_carries_of<1>(w, before, now);
+        run_carries_of<2>(w, before, now);
+        run_carries_of<3>(w, before, now);
+    }
+
+    template <int I, class B>
+    ZVP_KERNEL_INLINE void run_carries_of(std::size_t w, const Counts<B>& before, Counts<B>& now) const {
+        run_carries_at<(I > 0)>(o.out[I] + w, before.of[I][0], now.of[I][0]);
+        run_carries_at<(I > 0)>(o.out[I] + o.half + w, before.of[I][1], now.of[I][1]);
+    }
+
+    /// Of one result. Where counts can be negative, -2 to 1, each limb hands 2 to its count first: value - 2 less a borrow,
+    /// as if the two numbers that are subtracted were added as complements, whose counts are 0 to 3. Without branches:
+    /// which carries run is as good as random in elements of many runs.
+    template <bool Signed, class B>
+    ZVP_KERNEL_INLINE static void run_carries_at(RingWord* x, const B& before, B& now) {
+        B in = moved_up(now, before), value = minus(B::load(x), in);
+        Limb top_borrow = 0;
+        in = lowered(in);
+        if constexpr (Signed) {
+            const B two = B::broadcast(2);
+            const typename B::Limbs borrows = below(value, lifted(two));
+            value = minus(value, two);
+            in = less_one_above(plus(in, two), borrows);
+            top_borrow = B::bits_of(borrows) >> (B::limbs - 1);
+        }
+        unsigned carry = 0;
+        add(lowered(value), in, carry).store(x);
+        now = add_to_top(now, carry - top_borrow);
     }
 
     Radix4Operands o;
-    Counts<OneLimb> last;
+    Counts<Vector> counts[2];
+    Counts<OneLimb> last[2];
 };
 
 using Radix4 = LazyRadix4<Block>;

@@ -5,6 +5,7 @@ __extension__ typedef __int128 Wide;
 /// One limb, with the operations of a block.
 struct OneLimb {
     static constexpr std::size_t limbs = 1;
+    static constexpr bool many_registers = true;
     using Limbs = bool;
 
     Limb v;
@@ -44,41 +45,21 @@ struct OneLimb {
     ZVP_KERNEL_INLINE static OneLimb no_count() { return zero(); }
     ZVP_KERNEL_INLINE friend OneLimb lifted(OneLimb a) { return a; }
     ZVP_KERNEL_INLINE friend OneLimb lowered(OneLimb a) { return a; }
-    ZVP_KERNEL_INLINE friend OneLimb moved_up(OneLimb now, OneLimb& counts) { return std::exchange(counts, now); }
-    ZVP_KERNEL_INLINE friend OneLimb or_changes(OneLimb changes, OneLimb a, OneLimb b) {
+    ZVP_KERNEL_INLINE friend OneLimb turned_up(OneLimb count) { return count; }
+    ZVP_KERNEL_INLINE friend OneLimb moved_up(OneLimb, OneLimb before) { return before; }
+    ZVP_KERNEL_INLINE static OneLimb no_changes() { return {0}; }
+    ZVP_KERNEL_INLINE friend OneLimb with_changes(OneLimb changes, OneLimb a, OneLimb b) {
         return {changes.v | (a.v ^ b.v)};
     }
-    ZVP_KERNEL_INLINE friend bool any_top_bit(OneLimb a) { return a.v >> 63 != 0; }
+    ZVP_KERNEL_INLINE friend bool any(OneLimb changes) { return changes.v >> 63 != 0; }
+    ZVP_KERNEL_INLINE static unsigned bits_of(Limbs there) { return there; }
+    ZVP_KERNEL_INLINE friend OneLimb less_one_above(OneLimb a, Limbs) { return a; }
     ZVP_KERNEL_INLINE friend OneLimb add_to_top(OneLimb a, Limb count) { return {a.v + count}; }
 };
-
-/// Adds the small value v at limb i of x; what leaves the limbs goes to the top word.
-inline void add_at(RingWord* x, std::size_t n, std::size_t i, Wide v) {
-    const std::size_t limbs = n / 2;
-    for (; i < limbs && (v > 1 || v < -1); ++i) {
-        v += OneLimb::load(x + 2 * i).v;
-        OneLimb{static_cast<Limb>(v)}.store(x + 2 * i);
-        v >>= 64;
-    }
-    // 1 runs through ones, -1 through zeros.
-    const Limb passing = v < 0 ? 0 : ~Limb{0};
-    for (; i < limbs && v != 0; ++i) {
-        const Limb limb = OneLimb::load(x + 2 * i).v;
-        OneLimb{limb + static_cast<Limb>(v)}.store(x + 2 * i);
-        if (limb != passing) v = 0;
-    }
-    x[n] += static_cast<RingWord>(v);
-}
 
 ZVP_KERNEL_INLINE Wide top_of(const RingWord* x, std::size_t n) { return static_cast<std::int32_t>(x[n]); }
 
 ZVP_KERNEL_INLINE Wide wide(unsigned x) { return static_cast<Wide>(x); }
-
-/// Settles what left the halves: `low` at the middle, `high` at the top.
-ZVP_KERNEL_INLINE void settle(RingWord* x, std::size_t n, Wide low, Wide high) {
-    x[n] = static_cast<RingWord>(high);
-    add_at(x, n, n / 4, low);
-}
 
 /// Calls step.run<B>(word) for the limbs [0, count): by blocks, then one by one.
 template <class B, class Step>

@@ -1,9 +1,38 @@
 // Arithmetic modulo 2^N + 1 in terms of what each set has:
 //
-//   Lanes         limbs that are worked on one by one, modulo 2^64: load, store, zero, complement, shift, plus, masked, left,
+//   Lanes         limbs that are worked on one by one, modulo 2^64: load, store, zero, broadcast, equal, complement, shift, plus, masked, left,
 //                 right. What doesn't fill a vector goes as OneLimb.
 //   add_subtract  sums and differences of runs of limbs; subtract_run
 //   Radix4        the sums of a radix-4 step
+
+/// Adds the small value v at limb i of x; what leaves the limbs goes to the top word.
+void add_at(RingWord* x, std::size_t n, std::size_t i, Wide v) {
+    const std::size_t limbs = n / 2;
+    for (; i < limbs && (v > 1 || v < -1); ++i) {
+        v += OneLimb::load(x + 2 * i).v;
+        OneLimb{static_cast<Limb>(v)}.store(x + 2 * i);
+        v >>= 64;
+    }
+    if (v == 0) return;
+    // 1 runs through ones and -1 through zeros: elements of many of them have long runs.
+    const Limb passing = v < 0 ? 0 : ~Limb{0};
+    const Lanes all_pass = Lanes::broadcast(passing), wrapped = Lanes::broadcast(~passing);
+    for (; i < limbs; ++i) {
+        for (; i + Lanes::limbs <= limbs && equal(Lanes::load(x + 2 * i), all_pass); i += Lanes::limbs)
+            wrapped.store(x + 2 * i);
+        if (i == limbs) break;
+        const Limb limb = OneLimb::load(x + 2 * i).v;
+        OneLimb{limb + static_cast<Limb>(v)}.store(x + 2 * i);
+        if (limb != passing) return;
+    }
+    x[n] += static_cast<RingWord>(v);
+}
+
+/// Settles what left the halves: `low` at the middle, `high` at the top.
+void settle(RingWord* x, std::size_t n, Wide low, Wide high) {
+    x[n] = static_cast<RingWord>(high);
+    add_at(x, n, n / 4, low);
+}
 
 void butterfly(RingWord* x, RingWord* y, RingWord* z, std::size_t n) {
     unsigned carry = 0, borrow = 0;

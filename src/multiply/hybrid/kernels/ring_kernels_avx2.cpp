@@ -23,6 +23,7 @@ using Limb = std::uint64_t;
 /// counts, which bring the sums that they are added to down again.
 struct Block {
     static constexpr std::size_t limbs = 4;
+    static constexpr bool many_registers = false;
     using Limbs = __m256i; // -1 where one is meant
 
     __m256i v;
@@ -35,12 +36,26 @@ struct Block {
     ZVP_KERNEL_INLINE static Block broadcast(Limb limb) { return {_mm256_set1_epi64x(static_cast<long long>(limb))}; }
     ZVP_KERNEL_INLINE friend Block add(Block a, Block b, unsigned& carry) {
         const Block from = lifted(a), sum = plus(from, b);
-        return {_mm256_add_epi64(sum.v, run(below(sum, from), sum, ~lift, carry, 1))};
+        return add_bits(lowered(sum), 2 * bits_of(below(sum, from)) + carry, carry);
     }
     ZVP_KERNEL_INLINE friend Block subtract(Block a, Block b, unsigned& borrow) {
         const Block from = lifted(a), difference = minus(from, b);
-        return {_mm256_sub_epi64(difference.v, run(below(from, difference), difference, lift, borrow, 1))};
+        return subtract_bits(lowered(difference), 2 * bits_of(below(from, difference)) + borrow, borrow);
     }
+    /// a + 1 in each limb of the mask `in`, whose bits may go one beyond the block, with the carries that run; what leaves
+    /// the block goes to `out`. No limb of all ones has the bit above it set in `in`.
+    ZVP_KERNEL_INLINE friend Block add_bits(Block a, unsigned in, unsigned& out) {
+        const unsigned passing = bits_of(_mm256_cmpeq_epi64(a.v, broadcast(~Limb{0}).v)), sum = in + passing;
+        out = sum >> limbs;
+        return plus_one(a, limbs_of(sum ^ passing));
+    }
+    /// Likewise a - 1, which runs through zeros.
+    ZVP_KERNEL_INLINE friend Block subtract_bits(Block a, unsigned in, unsigned& out) {
+        const unsigned passing = bits_of(_mm256_cmpeq_epi64(a.v, zero().v)), sum = in + passing;
+        out = sum >> limbs;
+        return less_one(a, limbs_of(sum ^ passing));
+    }
+    ZVP_KERNEL_INLINE friend bool equal(Block a, Block b) { return bits_of(_mm256_cmpeq_epi64(a.v, b.v)) == 15; }
     ZVP_KERNEL_INLINE friend Block complement(Block a) { return {_mm256_xor_si256(a.v, _mm256_set1_epi64x(-1))}; }
     ZVP_KERNEL_INLINE friend Block shift(Block a, Block below, int bits) {
         return {_mm256_or_si256(_mm256_sll_epi64(a.v, _mm_cvtsi32_si128(bits)),
@@ -56,21 +71,30 @@ struct Block {
     ZVP_KERNEL_INLINE friend Block lowered(Block a) { return lifted(a); }
     /// The limbs of a that are less than b's, both lifted.
     ZVP_KERNEL_INLINE friend Limbs below(Block a, Block b) { return _mm256_cmpgt_epi64(b.v, a.v); }
+    ZVP_KERNEL_INLINE static unsigned bits_of(Limbs there) {
+        return static_cast<unsigned>(_mm256_movemask_pd(_mm256_castsi256_pd(there)));
+    }
     ZVP_KERNEL_INLINE friend Block plus_one(Block a, Limbs there) { return {_mm256_sub_epi64(a.v, there)}; }
     ZVP_KERNEL_INLINE friend Block less_one(Block a, Limbs there) { return {_mm256_add_epi64(a.v, there)}; }
     ZVP_KERNEL_INLINE static Block no_count() { return broadcast(lift); }
-    /// Each limb of `now` at the place of the next; the top one of the block before at the lowest, where `counts` holds it.
-    ZVP_KERNEL_INLINE friend Block moved_up(Block now, Block& counts) {
-        const __m256i turned = _mm256_permute4x64_epi64(now.v, 0x93);
-        const Block in{_mm256_blend_epi32(turned, counts.v, 0x03)};
-        counts = {turned};
-        return in;
+    /// Less one in the limbs above those that are told.
+    ZVP_KERNEL_INLINE friend Block less_one_above(Block a, Limbs there) {
+        return less_one(a, moved_up(turned_up(Block{there}), zero()).v);
     }
-    /// `changes`, and what changes from a to b.
-    ZVP_KERNEL_INLINE friend Block or_changes(Block changes, Block a, Block b) {
-        return {_mm256_or_si256(changes.v, _mm256_xor_si256(a.v, b.v))};
+    /// Counts as they are kept for the block above: each at the place of the next, the top one at the lowest.
+    ZVP_KERNEL_INLINE friend Block turned_up(Block count) { return {_mm256_permute4x64_epi64(count.v, 0x93)}; }
+    /// What was kept, with the lowest limb of what the block below kept.
+    ZVP_KERNEL_INLINE friend Block moved_up(Block now, Block before) {
+        return {_mm256_blend_epi32(now.v, before.v, 0x03)};
     }
-    ZVP_KERNEL_INLINE friend bool any_top_bit(Block a) { return _mm256_movemask_pd(_mm256_castsi256_pd(a.v)) != 0; }
+    /// In the top bits of limbs: which of them don't change from a, lifted, to b.
+    ZVP_KERNEL_INLINE static Block no_changes() { return broadcast(~Limb{0}); }
+    ZVP_KERNEL_INLINE friend Block with_changes(Block changes, Block a, Block b) {
+        return {_mm256_and_si256(changes.v, _mm256_xor_si256(a.v, b.v))};
+    }
+    ZVP_KERNEL_INLINE friend bool any(Block changes) {
+        return _mm256_movemask_pd(_mm256_castsi256_pd(changes.v)) != 15;
+    }
     ZVP_KERNEL_INLINE friend Block add_to_top(Block a, Limb count) {
         return {_mm256_add_epi64(a.v, _mm256_set_epi64x(0, 0, 0, static_cast<long long>(count)))};
     }
@@ -81,17 +105,10 @@ struct Block {
 private:
     static constexpr Limb lift = Limb{1} << 63;
 
-    /// lift + 1 in the limbs that take a carry in, else lift, where those of `out` carry and those of `value` that are
-    /// `passing` hand on; `carry` goes in at the lowest and comes out of the highest.
-    ZVP_KERNEL_INLINE static __m256i run(Limbs out, Block value, Limb passing, unsigned& carry, int) {
-        const auto mask = [](__m256i lanes) {
-            return static_cast<unsigned>(_mm256_movemask_pd(_mm256_castsi256_pd(lanes)));
-        };
-        const unsigned hands_on = mask(_mm256_cmpeq_epi64(value.v, broadcast(passing).v));
-        const unsigned sum = 2 * mask(out) + carry + hands_on;
-        carry = sum >> 4;
-        const __m256i bits = _mm256_and_si256(_mm256_set1_epi64x((sum ^ hands_on) & 15), _mm256_set_epi64x(8, 4, 2, 1));
-        return _mm256_sub_epi64(broadcast(lift).v, _mm256_cmpgt_epi64(bits, _mm256_setzero_si256()));
+    /// The limbs that are bits of a mask; further bits don't matter.
+    ZVP_KERNEL_INLINE static Limbs limbs_of(unsigned mask) {
+        const __m256i each = _mm256_set_epi64x(8, 4, 2, 1);
+        return _mm256_cmpeq_epi64(_mm256_and_si256(_mm256_set1_epi64x(mask), each), each);
     }
 };
 

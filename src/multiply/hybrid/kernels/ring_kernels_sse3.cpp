@@ -29,15 +29,17 @@ struct Lanes {
     }
     ZVP_KERNEL_INLINE void store(RingWord* p) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
     ZVP_KERNEL_INLINE static Lanes zero() { return {_mm_setzero_si128()}; }
+    ZVP_KERNEL_INLINE static Lanes broadcast(Limb limb) { return {_mm_set1_epi64x(static_cast<long long>(limb))}; }
+    ZVP_KERNEL_INLINE friend bool equal(Lanes a, Lanes b) {
+        return _mm_movemask_epi8(_mm_cmpeq_epi32(a.v, b.v)) == 0xFFFF;
+    }
     ZVP_KERNEL_INLINE friend Lanes complement(Lanes a) { return {_mm_xor_si128(a.v, _mm_set1_epi64x(-1))}; }
     ZVP_KERNEL_INLINE friend Lanes shift(Lanes a, Lanes below, int bits) {
         return {_mm_or_si128(_mm_sll_epi64(a.v, _mm_cvtsi32_si128(bits)),
                              _mm_srl_epi64(below.v, _mm_cvtsi32_si128(64 - bits)))};
     }
     ZVP_KERNEL_INLINE friend Lanes plus(Lanes a, Lanes b) { return {_mm_add_epi64(a.v, b.v)}; }
-    ZVP_KERNEL_INLINE friend Lanes masked(Lanes a, Limb mask) {
-        return {_mm_and_si128(a.v, _mm_set1_epi64x(static_cast<long long>(mask)))};
-    }
+    ZVP_KERNEL_INLINE friend Lanes masked(Lanes a, Limb mask) { return {_mm_and_si128(a.v, broadcast(mask).v)}; }
     ZVP_KERNEL_INLINE friend Lanes left(Lanes a, int bits) { return {_mm_sll_epi64(a.v, _mm_cvtsi32_si128(bits))}; }
     ZVP_KERNEL_INLINE friend Lanes right(Lanes a, int bits) { return {_mm_srl_epi64(a.v, _mm_cvtsi32_si128(bits))}; }
 };
