@@ -5,13 +5,14 @@
 
 #include <gmpxx.h>
 
+#include <cstring>
 #include <map>
 
 using namespace zvp;
 
 namespace {
 
-enum class Low { random, zeros, ones, runs };
+enum class Low { random, zeros, ones, runs, edges };
 constexpr std::int32_t tops[]{0, 0, 1, -1, 2, -3, 1 << 23, -(1 << 23)};
 
 /// Elements one behind the other, as in a form: each stands guard for its neighbours.
@@ -55,12 +56,16 @@ public:
 
 private:
     void fill(std::mt19937_64& random, std::size_t i) {
-        const auto kind = static_cast<Low>(random() % 4);
+        const auto kind = static_cast<Low>(random() % 5);
         unsigned run = 0;
         for (std::size_t w = 0; w < n; ++w) {
             if (random() % 8 == 0) run = random() % 3;
             const unsigned what = kind == Low::zeros ? 0 : kind == Low::ones ? 1 : kind == Low::random ? 2 : run;
             at(i)[w] = what == 0 ? 0 : what == 1 ? ~0U : static_cast<std::uint32_t>(random());
+        }
+        for (std::size_t w = 0; w < n && kind == Low::edges; w += 2) { // limbs of -3 to 2: carries and borrows meet
+            const std::uint64_t limb = random() % 6 - 3;
+            std::memcpy(at(i) + w, &limb, sizeof limb);
         }
         at(i)[n] = static_cast<std::uint32_t>(tops[random() % std::size(tops)]);
         if (random() % 4 == 0) at(i)[0] = random() % 2; // one off zeros, ones

@@ -1,8 +1,9 @@
 // Arithmetic modulo 2^N + 1 in terms of what each set has:
 //
-//   Lanes         limbs that are worked on one by one, modulo 2^64: load, store, zero, broadcast, equal, complement, shift, plus, masked, left,
-//                 right. What doesn't fill a vector goes as OneLimb.
-//   add_subtract  sums and differences of runs of limbs; subtract_run
+//   Lanes         limbs that are worked on one by one, modulo 2^64: load, store, zero, broadcast, equal, complement, shift,
+//                 plus, masked, left, right
+//   add_subtract  sums and differences of runs of limbs
+//   subtract_run  differences alone
 //   Radix4        the sums of a radix-4 step
 
 /// Adds the small value v at limb i of x; what leaves the limbs goes to the top word.

@@ -24,7 +24,7 @@ using Limb = std::uint64_t;
 struct Block {
     static constexpr std::size_t limbs = 4;
     static constexpr bool many_registers = false;
-    using Limbs = __m256i; // -1 where one is meant
+    using Limbs = __m256i; // -1 in each limb that belongs to the set
 
     __m256i v;
 
@@ -77,7 +77,7 @@ struct Block {
     ZVP_KERNEL_INLINE friend Block plus_one(Block a, Limbs there) { return {_mm256_sub_epi64(a.v, there)}; }
     ZVP_KERNEL_INLINE friend Block less_one(Block a, Limbs there) { return {_mm256_add_epi64(a.v, there)}; }
     ZVP_KERNEL_INLINE static Block no_count() { return broadcast(lift); }
-    /// Less one in the limbs above those that are told.
+    /// a - 1 in the limbs above those in `there`.
     ZVP_KERNEL_INLINE friend Block less_one_above(Block a, Limbs there) {
         return less_one(a, moved_up(turned_up(Block{there}), zero()).v);
     }

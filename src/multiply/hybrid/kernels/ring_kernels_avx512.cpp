@@ -79,7 +79,7 @@ struct Block {
     ZVP_KERNEL_INLINE static Block no_count() { return zero(); }
     ZVP_KERNEL_INLINE friend Block lifted(Block a) { return a; }
     ZVP_KERNEL_INLINE friend Block lowered(Block a) { return a; }
-    /// Less one in the limbs above those that are told.
+    /// a - 1 in the limbs above those in `there`.
     ZVP_KERNEL_INLINE friend Block less_one_above(Block a, Limbs there) {
         return less_one(a, static_cast<Limbs>(there << 1));
     }
