@@ -11,10 +11,18 @@ public:
     /// Up to 2^64 products fit.
     [[gnu::always_inline]] void add_product(std::uint64_t x, std::uint64_t y) {
         const unsigned __int128 product = static_cast<unsigned __int128>(x) * y;
-        add(static_cast<std::uint64_t>(product), static_cast<std::uint64_t>(product >> 64), 0);
+        __asm__("add %3, %0\n\tadc %4, %1\n\tadc $0, %2"
+                : "+&r"(m_low), "+&r"(m_middle), "+&r"(m_high)
+                : "r"(static_cast<std::uint64_t>(product)), "r"(static_cast<std::uint64_t>(product >> 64))
+                : "cc");
     }
 
-    [[gnu::always_inline]] void add_limb(std::uint64_t x) { add(x, 0, 0); }
+    [[gnu::always_inline]] void add_limb(std::uint64_t x) {
+        __asm__("add %3, %0\n\tadc $0, %1\n\tadc $0, %2"
+                : "+&r"(m_low), "+&r"(m_middle), "+&r"(m_high)
+                : "r"(x)
+                : "cc");
+    }
 
     /// Adds another sum twice.
     [[gnu::always_inline]] void add_twice(const ColumnSum& other) {
@@ -32,10 +40,11 @@ public:
     }
 
 private:
+    // Operands in registers: where memory is allowed too, clang 14 takes it, by way of the stack.
     [[gnu::always_inline]] void add(std::uint64_t low, std::uint64_t middle, std::uint64_t high) {
         __asm__("add %3, %0\n\tadc %4, %1\n\tadc %5, %2"
                 : "+&r"(m_low), "+&r"(m_middle), "+&r"(m_high)
-                : "rm"(low), "rme"(middle), "rme"(high)
+                : "r"(low), "r"(middle), "r"(high)
                 : "cc");
     }
 

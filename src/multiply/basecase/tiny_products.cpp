@@ -17,7 +17,7 @@ std::uint64_t product(limb* T, const limb* A, const limb* B) {
     const unsigned __int128 square = static_cast<unsigned __int128>(x) * x;
     __asm__("addb $-1, %2\n\tadc %3, %0\n\tadc %4, %1\n\tsetc %2" // the first addition makes carry the flag
             : "+&r"(low), "+&r"(high), "+&q"(carry)
-            : "rm"(static_cast<std::uint64_t>(square)), "rm"(static_cast<std::uint64_t>(square >> 64))
+            : "r"(static_cast<std::uint64_t>(square)), "r"(static_cast<std::uint64_t>(square >> 64))
             : "cc");
 }
 

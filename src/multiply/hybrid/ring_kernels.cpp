@@ -5,7 +5,12 @@
 namespace zvp {
 
 const RingKernels& ring_kernels(platform::KernelSet set) {
-    return set == platform::KernelSet::avx512 ? avx512::ring_kernel_table() : plain::ring_kernel_table();
+    switch (set) {
+    case platform::KernelSet::avx512: return avx512::ring_kernel_table();
+    case platform::KernelSet::avx2: return avx2::ring_kernel_table();
+    case platform::KernelSet::sse3: break;
+    }
+    return sse3::ring_kernel_table();
 }
 
 } // namespace zvp

@@ -86,4 +86,41 @@ inline bool subtract_chain(void* T, const void* A, const void* B, std::size_t li
     return borrow;
 }
 
+/// Sum = A + B + carry and Difference = A - B - borrow; carry and borrow are replaced. Sum may be A or B, Difference
+/// neither.
+inline void add_subtract_chains(void* Sum, void* Difference, const void* A, const void* B, std::size_t limbs,
+                                bool& carry, bool& borrow) {
+    std::size_t i = 0;
+    if (std::size_t rounds = limbs / 8) {
+        c64i limb;
+        __asm__ volatile(
+            "1:\n\t"
+            "addb $-1, %b[borrow]\n\t" // the carry flag becomes the borrow
+            ".irp at, 0, 8, 16, 24, 32, 40, 48, 56\n\t"
+            "mov \\at(%[A], %[i], 8), %[limb]\n\t"
+            "sbb \\at(%[B], %[i], 8), %[limb]\n\t"
+            "mov %[limb], \\at(%[Difference], %[i], 8)\n\t"
+            ".endr\n\t"
+            "setc %b[borrow]\n\t"
+            "addb $-1, %b[carry]\n\t"
+            ".irp at, 0, 8, 16, 24, 32, 40, 48, 56\n\t"
+            "mov \\at(%[A], %[i], 8), %[limb]\n\t"
+            "adc \\at(%[B], %[i], 8), %[limb]\n\t"
+            "mov %[limb], \\at(%[Sum], %[i], 8)\n\t"
+            ".endr\n\t"
+            "setc %b[carry]\n\t"
+            "add $8, %[i]\n\t"
+            "dec %[rounds]\n\t"
+            "jnz 1b"
+            : [carry] "+&q"(carry), [borrow] "+&q"(borrow), [i] "+&r"(i), [rounds] "+&r"(rounds), [limb] "=&r"(limb)
+            : [Sum] "r"(Sum), [Difference] "r"(Difference), [A] "r"(A), [B] "r"(B)
+            : "cc", "memory");
+    }
+    for (; i < limbs; ++i) {
+        const c64i a = load_limb(A, i), b = load_limb(B, i);
+        store_limb(Sum, i, add_step(a, b, carry));
+        store_limb(Difference, i, subtract_step(a, b, borrow));
+    }
+}
+
 } // namespace zvp

@@ -34,7 +34,7 @@ struct ProductSum {
                 "adc $0, %[high]"
                 : [a] "+&a"(a), [product_high] "=&d"(product_high), [low] "+&r"(low), [middle] "+&r"(middle),
                   [high] "+&r"(high)
-                : [b] "rm"(b)
+                : [b] "r"(b)
                 : "cc");
     }
 };

@@ -22,10 +22,11 @@ ZVP_KERNEL_INLINE std::uint64_t sum_lanes(VecI a) {
     return sum;
 }
 
-template <std::size_t... pair>
+/// Counts the values from `first` on, two for each pair.
+template <std::size_t first, std::size_t... pair>
 ZVP_KERNEL_INLINE void count_pairs(std::uint64_t* counts, const std::uint8_t* digits, std::size_t vectors,
                                    std::index_sequence<pair...>) {
-    const PairMarker markers[]{PairMarker(2 * pair)...};
+    const PairMarker markers[]{PairMarker(first + 2 * pair)...};
     PairCount sums[]{((void)pair, PairCount{VecI::broadcast(0), VecI::broadcast(0)})...};
     while (vectors > 0) {
         VecI tallies[]{((void)pair, VecI::broadcast(0))...};
@@ -37,10 +38,24 @@ ZVP_KERNEL_INLINE void count_pairs(std::uint64_t* counts, const std::uint8_t* di
         (sums[pair].add(tallies[pair]), ...);
         vectors -= n;
     }
+    counts += first;
     ((counts[2 * pair] += sum_lanes(sums[pair].first), counts[2 * pair + 1] += sum_lanes(sums[pair].second)), ...);
 }
 
+/// The sets of narrow vectors have 16 registers: the marks and tallies of more than five pairs don't fit. More values are
+/// counted in two passes over what the first cache holds.
+constexpr std::size_t most_pairs = vector_bytes < 64 ? 5 : 8, cached_vectors = 16 * 1024 / vector_bytes;
+
 template <unsigned values>
 void count_digits(std::uint64_t* counts, const std::uint8_t* digits, std::size_t vectors) {
-    count_pairs(counts, digits, vectors, std::make_index_sequence<values / 2>{});
+    if constexpr (values / 2 <= most_pairs) {
+        count_pairs<0>(counts, digits, vectors, std::make_index_sequence<values / 2>{});
+    } else {
+        for (; vectors > 0; digits += cached_vectors * vector_bytes) {
+            const std::size_t n = vectors < cached_vectors ? vectors : cached_vectors;
+            count_pairs<0>(counts, digits, n, std::make_index_sequence<values / 4>{});
+            count_pairs<values / 2>(counts, digits, n, std::make_index_sequence<values / 4>{});
+            vectors -= n;
+        }
+    }
 }

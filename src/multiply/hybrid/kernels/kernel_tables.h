@@ -3,7 +3,10 @@
 
 #include "multiply/hybrid/ring_kernels.h"
 
-namespace zvp::plain {
+namespace zvp::sse3 {
+const RingKernels& ring_kernel_table();
+}
+namespace zvp::avx2 {
 const RingKernels& ring_kernel_table();
 }
 namespace zvp::avx512 {
