@@ -41,12 +41,22 @@ void BBPSession::update_settings() {
     mode_c = false;
 }
 
+/// Whether the last index of every record is below what the modes take. They leave the index of the limit itself to a
+/// next one, which the largest divisor of all records doesn't show.
+bool BBPSession::within_modes() const {
+    const std::vector<BBPv2::TermRecord> records = BBPv2::term_records(formula(), offset);
+    return std::all_of(records.begin(), records.end(),
+                       [&](const auto& record) { return terms <= (limit - record.b) / record.a; });
+}
+
 bool BBPSession::can_start(std::string& reason) const {
     reason.clear();
     if (!mode_a && !mode_b) {
         reason = "No modes enabled.";
     } else if (largest_divisor > limit) {
         reason = "Divisor exceeds limit of " + limit_name + ".";
+    } else if (!within_modes()) {
+        reason = "No mode is able to handle this range.";
     }
     return reason.empty();
 }

@@ -112,6 +112,11 @@ LineStatus read_line(std::string& line) {
     return anything ? LineStatus::complete : LineStatus::end_of_input;
 }
 
+bool input_goes_on() {
+    termios state;
+    return input_is_terminal() && tcgetattr(STDIN_FILENO, &state) == 0;
+}
+
 namespace {
 
 /// The terminal as it was before a wait for a key; restored by the wait's end, or by a signal that ends the program.

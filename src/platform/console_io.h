@@ -36,6 +36,9 @@ inline constexpr std::size_t max_line_bytes = 65'536;
 /// failed: the system refused; nothing was answered.
 LineStatus read_line(std::string& line);
 
+/// Whether lines may follow an end of the input: it is a terminal that is still there. After a hang-up every read is an end.
+bool input_goes_on();
+
 /// Waits for one key on the terminal, after printing the customary hint. Returns at once, and reads nothing,
 /// when standard input is no terminal. Async-signal-safe.
 void wait_for_key() noexcept;

@@ -3,6 +3,7 @@
 #include "app/console/number_forms.h"
 #include "functions/iteration_plan.h"
 #include "parallel/memory/carving.h"
+#include "session/memory_check.h"
 #include "session/session_run.h"
 
 #include <algorithm>
@@ -30,7 +31,7 @@ void NormalFloatSessionB::update() {
     const Constant& constant = *settings->constant;
     const auto refuse = [&](Obstacle found) { obstacle = std::make_unique<const Obstacle>(std::move(found)); };
     if (!constant.is_built())
-        return refuse({"This constant can't be computed yet.", nullptr, "Computing " + name_long});
+        return refuse({"This constant can't be computed yet.", nullptr, constant.computing_text()});
     if (settings->output.format == OutputFormat::compressed)
         return refuse({"Compressed digit files can't be written yet.", nullptr, "The compressed digit format (.zvd)"});
     try {
@@ -38,8 +39,9 @@ void NormalFloatSessionB::update() {
     } catch (const StringException& failure) {
         plan.reset();
         writer.reset();
-        refuse({failure.message, failure.clone(), ""});
+        return refuse({failure.message, failure.clone(), ""});
     }
+    if (std::string reason = memory_obstacle(total_memory()); !reason.empty()) refuse({std::move(reason), nullptr, ""});
 }
 
 void NormalFloatSessionB::make_plans() {

@@ -5,6 +5,7 @@
 #include "app/console/process_switches.h"
 #include "app/console/unbuilt.h"
 #include "parallel/memory/carving.h"
+#include "platform/file.h"
 #include "session/digit_checks.h"
 #include "session/memory_check.h"
 #include "session/run_results.h"
@@ -58,6 +59,9 @@ private:
 void SessionRun::execute() {
     session.times.begin_run();
     check_physical_memory(sink, session.total_memory());
+    const OutputSettings& output_settings = session.settings->output;
+    check_disk_space(sink, output_settings.total_bytes(session.settings->size), output_settings.path,
+                     platform::free_disk_bytes(output_settings.path));
     allocator.acquire_privileges();
     print_run_header(session);
     announce();
@@ -110,6 +114,8 @@ void SessionRun::tell_allocation(std::string_view label, const std::vector<Statu
 }
 
 void SessionRun::tell_allocation_errors() {
+    if (memory->lock_refused() || (table_memory->record && table_memory->record->lock_refused))
+        sink.warning(lock_limit_warning);
     std::vector<std::string> errors = memory->warnings();
     if (table_memory->record)
         errors.insert(errors.end(), table_memory->record->warnings.begin(), table_memory->record->warnings.end());

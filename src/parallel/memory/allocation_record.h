@@ -14,6 +14,7 @@ struct AllocationRecord {
     std::uint64_t large_bytes = 0;
     std::uint64_t locked_bytes = 0;
     std::uint64_t large_page_size = 0; // 0 if not known
+    bool lock_refused = false;         // by the limit on locked memory, and large pages don't make up for it
     NodeBytes nodes;
     std::vector<std::string> warnings;
 
