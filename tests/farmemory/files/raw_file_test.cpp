@@ -148,7 +148,7 @@ TEST_F(RawFileTest, ARealFullDiskKeepsWhatWasWritten) {
         EXPECT_EQ(fault_of([&] { file->store(buffer.bytes, back.data, 4096, true); }),
                   fault("RawFile::store()", "pwrite() failed.", "Disk is Full", EFBIG));
         EXPECT_EQ(fault_of([&] { RawFile(1 << 20, target, 12, true, files); }),
-                  fault("RawFile::set_size()", "fallocate() failed.", "Disk is Full", EFBIG));
+                  fault("RawFile::set_size()", "ftruncate() failed.", "Disk is Full", EFBIG));
     }
     EXPECT_FALSE(fs::exists(target));
     file.reset();
@@ -209,7 +209,7 @@ TEST_F(RawFileTest, RenamingReplacesAndOpensAgain) {
     file->rename(path, true);
     EXPECT_EQ(test::read_file(path), buffer.text());
     EXPECT_EQ(file->load(0, back.data, 4096, true), 4096u);
-    EXPECT_TRUE(fault_of([&] { file->store(0, buffer.data, 4096, true); }).starts_with("RawFile::store()|WriteFile()"));
+    EXPECT_TRUE(fault_of([&] { file->store(0, buffer.data, 4096, true); }).starts_with("RawFile::store()|pwrite()"));
 }
 
 TEST_F(RawFileTest, AFailedRenamingKeepsBothFiles) {
@@ -276,7 +276,7 @@ TEST_F(RawFileTest, ClosingKeepsOrRemoves) {
     }
     file = filled();
     files.plan(FileCall::set_length, {EIO});
-    EXPECT_TRUE(fault_of([&] { file->close_and_set_size(1); }).starts_with("RawFile::close_and_set_size()|SetEnd"));
+    EXPECT_TRUE(fault_of([&] { file->close_and_set_size(1); }).starts_with("RawFile::close_and_set_size()|ftruncate"));
     EXPECT_EQ(test::read_file(path), buffer.text());
 }
 
