@@ -2,6 +2,7 @@
 
 #include "app/console/linear_console_status.h"
 #include "app/console/number_forms.h"
+#include "app/console/run_watch.h"
 #include "app/failure/exceptions.h"
 #include "bbp/bbp_kernels.h"
 #include "bbp/bbp_report.h"
@@ -90,6 +91,7 @@ BBPv2::FractionFloat BBPSession::sum_records() const {
 
 void BBPSession::run() const {
     BBPv2::print_run_header(*this);
+    const zvp::RunWatch watch("BBP Digit Extractor");
     const std::uint64_t began = zvp::platform::performance_counter();
     const zvp::platform::ProcessTimes before = zvp::platform::process_times();
     const BBPv2::FractionFloat total = sum_records();

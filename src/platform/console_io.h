@@ -40,10 +40,10 @@ LineStatus read_line(std::string& line);
 bool input_goes_on();
 
 /// Waits for one key on the terminal, after printing the customary hint. Returns at once, and reads nothing,
-/// when standard input is no terminal. Async-signal-safe.
-void wait_for_key() noexcept;
+/// when standard input is no terminal. Returns whether the key was Ctrl-C. Async-signal-safe.
+bool wait_for_key() noexcept;
 
-/// From here on a signal that ends the program (Ctrl-C, SIGTERM, hang-up) leaves the terminal in its own colour and mode.
+/// From here on a signal that ends the program (Ctrl-C outside an InterruptGate, SIGTERM, hang-up) leaves the terminal in its own colour and mode.
 void restore_terminal_at_signals();
 
 } // namespace zvp::platform

@@ -113,11 +113,11 @@ std::string read_line(char color) {
     return line;
 }
 
-void pause(char color) {
-    if (process_switches().pause_mode < -1) return;
-    if (!platform::input_is_terminal() || !platform::output_is_terminal()) return;
+bool pause(char color) {
+    if (process_switches().pause_mode < -1) return false;
+    if (!platform::input_is_terminal() || !platform::output_is_terminal()) return false;
     set_color(color);
-    platform::wait_for_key();
+    return platform::wait_for_key();
 }
 
 void fatal_stop() {

@@ -48,8 +48,8 @@ std::string read_line(char color = ' ');
 bool input_has_ended();
 
 /// Waits for a key where a user is there to press one and pauses aren't switched off (pause:-2); in the colour, white by
-/// default.
-void pause(char color = 'w');
+/// default. Returns whether the key was Ctrl-C: what follows a warning breaks off then.
+bool pause(char color = 'w');
 
 /// Ends the process with code 1 where nothing can be thrown: resets the colour and pauses if that is allowed.
 [[noreturn]] void fatal_stop();
