@@ -63,7 +63,7 @@ void BBPSession::menu() {
     do {
         print_menu();
         do {
-            option = zvp::prompt_int("option: ", 0, 6, 'T');
+            option = zvp::prompt_option(0, 6);
         } while (option == 0 && !can_start(reason));
         apply_option(option);
         update_settings();
@@ -99,7 +99,7 @@ void BBPSession::formula_menu() {
     print_line(BBPv2::formula_display(BBPv2::Formula::bbp_4_terms), 'w');
     print_line("   1     Bellard's 7-term BBP  (~43% faster)", 'G');
     print_line(BBPv2::formula_display(BBPv2::Formula::bellard_7_terms), 'w');
-    algorithm = static_cast<std::int32_t>(zvp::prompt_int("option: ", 0, 1, 'T'));
+    algorithm = static_cast<std::int32_t>(zvp::prompt_option(0, 1));
 }
 
 void BBPSession::modes_menu() {
@@ -128,7 +128,7 @@ void BBPSession::modes_menu() {
         print_line();
         print_line("  0     Done!");
         print_line();
-        switch (zvp::prompt_int("option: ", 0, 2, 'T')) {
+        switch (zvp::prompt_option(0, 2)) {
         case 0: return;
         case 1: mode_a = !mode_a; break;
         case 2: mode_b = !mode_b; break;

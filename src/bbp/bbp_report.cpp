@@ -20,10 +20,10 @@ void print_field(std::string_view label, std::string_view value) {
     zvp::print_labelm_line(label_width, label, value, 'G');
 }
 
-/// Prints digits in as few pieces as their colours allow.
+/// Prints digits in as few pieces as their colours allow; `mark` stands after the requested ones.
 class DigitPrinter {
 public:
-    explicit DigitPrinter(std::uint32_t requested_) : requested(requested_) {}
+    DigitPrinter(std::uint32_t requested_, std::string_view mark_) : requested(requested_), mark(mark_) {}
     ~DigitPrinter() { flush(); }
     DigitPrinter(const DigitPrinter&) = delete;
     DigitPrinter& operator=(const DigitPrinter&) = delete;
@@ -31,7 +31,7 @@ public:
     void digit(char c) {
         if (printed == requested) flush();
         pending += c;
-        ++printed;
+        if (++printed == requested) pending += mark;
     }
 
     void text(std::string_view blanks) {
@@ -47,6 +47,7 @@ private:
 
     std::string pending;
     const std::uint32_t requested;
+    const std::string_view mark;
     std::uint64_t printed = 0;
 };
 
@@ -86,11 +87,13 @@ void print_digits(const FractionFloat& fraction, std::uint64_t offset, std::uint
     zvp::print_line(" = Requested digits that should be correct.", 'w');
     zvp::print("Red ", 'R');
     zvp::print_line(" = Extra working precision. May not be correct.", 'w');
+    const bool colors = zvp::colors_shown();
+    if (!colors) zvp::print_line("|    = End of the requested digits.");
     zvp::print_line();
     zvp::print_line("Hexadecimal Digits starting from: 16^-" + std::to_string(offset + 1));
     zvp::print_line();
     {
-        DigitPrinter printer(digits);
+        DigitPrinter printer(digits, colors ? "" : "|");
         for (std::size_t word = 0; word < fraction.length(); ++word) {
             printer.text(word % groups_per_line == 0 ? (word == 0 ? "  " : "\n  ") : " ");
             for (std::size_t i = group_digits; i-- > 0;)

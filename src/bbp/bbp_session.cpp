@@ -2,6 +2,7 @@
 
 #include "app/console/linear_console_status.h"
 #include "app/console/number_forms.h"
+#include "app/console/run_watch.h"
 #include "app/failure/exceptions.h"
 #include "bbp/bbp_kernels.h"
 #include "bbp/bbp_report.h"
@@ -41,12 +42,22 @@ void BBPSession::update_settings() {
     mode_c = false;
 }
 
+/// Whether the last index of every record is below what the modes take. They leave the index of the limit itself to a
+/// next one, which the largest divisor of all records doesn't show.
+bool BBPSession::within_modes() const {
+    const std::vector<BBPv2::TermRecord> records = BBPv2::term_records(formula(), offset);
+    return std::all_of(records.begin(), records.end(),
+                       [&](const auto& record) { return terms <= (limit - record.b) / record.a; });
+}
+
 bool BBPSession::can_start(std::string& reason) const {
     reason.clear();
     if (!mode_a && !mode_b) {
         reason = "No modes enabled.";
     } else if (largest_divisor > limit) {
         reason = "Divisor exceeds limit of " + limit_name + ".";
+    } else if (!within_modes()) {
+        reason = "No mode is able to handle this range.";
     }
     return reason.empty();
 }
@@ -80,6 +91,7 @@ BBPv2::FractionFloat BBPSession::sum_records() const {
 
 void BBPSession::run() const {
     BBPv2::print_run_header(*this);
+    const zvp::RunWatch watch("BBP Digit Extractor");
     const std::uint64_t began = zvp::platform::performance_counter();
     const zvp::platform::ProcessTimes before = zvp::platform::process_times();
     const BBPv2::FractionFloat total = sum_records();

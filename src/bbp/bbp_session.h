@@ -48,6 +48,7 @@ public:
     std::uint64_t largest_divisor = 0;
 
 private:
+    bool within_modes() const;
     BBPv2::Formula formula() const { return static_cast<BBPv2::Formula>(algorithm); }
 
     void print_menu() const;

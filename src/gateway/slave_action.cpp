@@ -3,6 +3,7 @@
 #include "app/console/unbuilt.h"
 #include "app/console/value_parsers.h"
 #include "app/failure/exceptions.h"
+#include "app/notation/typed_values.h"
 
 #include <limits>
 
@@ -33,9 +34,9 @@ const CommandLine::OptionTable<SlaveRequest>& slave_options() {
         {"-port", take_port},
         {"-ctype", take_config_type},
         {"-allowremote",
-         [](auto& request, auto& line) { request.allow_remote = zvp::parse_sL(line.take_value()) != 0; }},
+         [](auto& request, auto& line) { request.allow_remote = CommandLine::read_s64(line.take_value()) != 0; }},
         {"-printtraffic",
-         [](auto& request, auto& line) { request.print_traffic = zvp::parse_sL(line.take_value()) > 0; }},
+         [](auto& request, auto& line) { request.print_traffic = CommandLine::read_s64(line.take_value()) > 0; }},
     });
     return table;
 }
@@ -47,7 +48,7 @@ void slave_action(Line& line) {
         throw zvp::InvalidParametersException("SlaveMode::run()", "Unsupported version number: " + version);
     SlaveRequest request;
     CommandLine::apply_options(slave_options(), request, line);
-    zvp::stop_unbuilt("Slave mode (action \"slave\")");
+    zvp::stop_unbuilt("Slave Mode (action \"slave\")");
 }
 
 } // namespace zorvane

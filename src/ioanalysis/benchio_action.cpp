@@ -19,9 +19,9 @@ const CommandLine::OptionTable<BenchIORequest>& benchio_options() {
 void benchio_action(CommandLine::CommandLine& line) {
     BenchIORequest request;
     CommandLine::apply_options(benchio_options(), request, line);
-    zvp::stop_unbuilt("The I/O performance analysis (action \"benchio\")");
+    zvp::stop_unbuilt(benchio_name);
 }
 
-void benchio_menu() { zvp::stop_unbuilt("The I/O performance analysis"); }
+void benchio_menu() { zvp::stop_unbuilt(benchio_name); }
 
 } // namespace zorvane

@@ -10,6 +10,9 @@ struct BenchIORequest : ResourceRequest {
     BenchIORequest() { swap_mode = true; }
 };
 
+/// For stop_unbuilt().
+inline constexpr std::string_view benchio_name = "The I/O Performance Analysis (action \"benchio\")";
+
 const CommandLine::OptionTable<BenchIORequest>& benchio_options();
 
 void benchio_action(CommandLine::CommandLine& line);

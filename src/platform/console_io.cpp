@@ -1,5 +1,7 @@
 #include "platform/console_io.h"
 
+#include "platform/interrupts.h"
+
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -112,6 +114,11 @@ LineStatus read_line(std::string& line) {
     return anything ? LineStatus::complete : LineStatus::end_of_input;
 }
 
+bool input_goes_on() {
+    termios state;
+    return input_is_terminal() && tcgetattr(STDIN_FILENO, &state) == 0;
+}
+
 namespace {
 
 /// The terminal as it was before a wait for a key; restored by the wait's end, or by a signal that ends the program.
@@ -123,6 +130,7 @@ void restore_terminal() noexcept {
 }
 
 void on_end_signal(int signal) {
+    if (pass_interrupt(signal)) return;
     restore_terminal();
     if (isatty(STDOUT_FILENO) == 1) write_output("\x1b[0m");
     std::signal(signal, SIG_DFL);
@@ -137,16 +145,16 @@ void restore_terminal_at_signals() {
         if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) continue;
         action = {};
         action.sa_handler = on_end_signal;
-        action.sa_flags = SA_ONSTACK;
+        action.sa_flags = SA_ONSTACK | SA_RESTART;
         sigemptyset(&action.sa_mask);
         sigaction(signal, &action, nullptr);
     }
 }
 
-void wait_for_key() noexcept {
+bool wait_for_key() noexcept {
     termios now;
-    if (tcgetpgrp(STDIN_FILENO) != getpgrp()) return; // in the background nobody sees the question
-    if (tcgetattr(STDIN_FILENO, &now) != 0) return;
+    if (tcgetpgrp(STDIN_FILENO) != getpgrp()) return false; // in the background nobody sees the question
+    if (tcgetattr(STDIN_FILENO, &now) != 0) return false;
     if (!waits_for_key) terminal_before_wait = now;
     waits_for_key = true;
     write_output("Press any key to continue . . . ");
@@ -154,11 +162,13 @@ void wait_for_key() noexcept {
     now.c_cc[VMIN] = 1;
     now.c_cc[VTIME] = 0;
     tcsetattr(STDIN_FILENO, TCSANOW, &now);
-    char key;
+    char key = '\0';
     while (read(STDIN_FILENO, &key, 1) < 0 && errno == EINTR) {
     }
     restore_terminal();
     write_output("\n");
+    constexpr char interrupt_key = '\x03';
+    return key == interrupt_key;
 }
 
 } // namespace zvp::platform

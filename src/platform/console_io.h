@@ -36,11 +36,14 @@ inline constexpr std::size_t max_line_bytes = 65'536;
 /// failed: the system refused; nothing was answered.
 LineStatus read_line(std::string& line);
 
-/// Waits for one key on the terminal, after printing the customary hint. Returns at once, and reads nothing,
-/// when standard input is no terminal. Async-signal-safe.
-void wait_for_key() noexcept;
+/// Whether lines may follow an end of the input: it is a terminal that is still there. After a hang-up every read is an end.
+bool input_goes_on();
 
-/// From here on a signal that ends the program (Ctrl-C, SIGTERM, hang-up) leaves the terminal in its own colour and mode.
+/// Waits for one key on the terminal, after printing the customary hint. Returns at once, and reads nothing,
+/// when standard input is no terminal. Returns whether the key was Ctrl-C. Async-signal-safe.
+bool wait_for_key() noexcept;
+
+/// From here on a signal that ends the program (Ctrl-C outside an InterruptGate, SIGTERM, hang-up) leaves the terminal in its own colour and mode.
 void restore_terminal_at_signals();
 
 } // namespace zvp::platform

@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace zvp::platform {
@@ -69,6 +70,12 @@ int write_whole_file(const std::string& path, std::string_view content) {
 bool file_exists(const std::string& path) {
     struct stat status;
     return stat(path.c_str(), &status) == 0;
+}
+
+std::optional<std::uint64_t> free_disk_bytes(const std::string& path) {
+    struct statvfs status;
+    if (statvfs(path.empty() ? "." : path.c_str(), &status) != 0 || status.f_blocks == 0) return std::nullopt;
+    return std::uint64_t{status.f_bavail} * status.f_frsize;
 }
 
 } // namespace zvp::platform

@@ -2,6 +2,8 @@
 // Whole small files: configuration, formulas, check digits. Bulk files have a layer of their own.
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,5 +20,9 @@ int read_whole_file(const std::string& path, std::string& content);
 int write_whole_file(const std::string& path, std::string_view content);
 
 bool file_exists(const std::string& path);
+
+/// The bytes that this user's files may still take in the folder `path` (empty: the working folder); nothing if the system
+/// doesn't say.
+std::optional<std::uint64_t> free_disk_bytes(const std::string& path);
 
 } // namespace zvp::platform

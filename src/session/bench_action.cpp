@@ -1,8 +1,8 @@
 #include "session/bench_action.h"
 
 #include "app/console/unbuilt.h"
-#include "app/console/value_parsers.h"
 #include "app/failure/exceptions.h"
+#include "app/notation/typed_values.h"
 
 #include <array>
 #include <string_view>
@@ -10,6 +10,8 @@
 namespace zorvane {
 
 namespace {
+
+constexpr std::string_view bench_name = "Benchmark Pi (action \"bench\")"; // for stop_unbuilt()
 
 using Line = CommandLine::CommandLine;
 using Table = CommandLine::OptionTable<BenchRequest>;
@@ -59,8 +61,8 @@ std::vector<std::pair<std::string, Table::Handler>> bench_rows() {
              line.advance();
              request.output_path = line.take_parameter();
          }},
-        {"-od",
-         [](BenchRequest& request, Line& line) { request.output_enabled = zvp::parse_sL(line.take_value()) != 0; }},
+        {"-od", [](BenchRequest& request,
+                   Line& line) { request.output_enabled = CommandLine::read_s64(line.take_value()) != 0; }},
         {"-TD", take_task_decomposition},
         {"-PF", take_framework},
         {"-MA", take_allocator},
@@ -84,9 +86,9 @@ void bench_action(Line& line) {
     BenchRequest request;
     CommandLine::apply_options(bench_options(), request, line);
     if (!request.decimal_digits) throw zvp::InvalidParametersException("", "No benchmark size selected.");
-    zvp::stop_unbuilt("The benchmark (action \"bench\")");
+    zvp::stop_unbuilt(bench_name);
 }
 
-void bench_menu() { zvp::stop_unbuilt("Benchmark Pi"); }
+void bench_menu() { zvp::stop_unbuilt(bench_name); }
 
 } // namespace zorvane

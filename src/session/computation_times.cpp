@@ -6,6 +6,7 @@ void ComputationTimes::begin_run() {
     start_milliseconds = platform::wall_clock_milliseconds();
     start_date = platform::local_time_text();
     samples.clear();
+    number = {};
     add_sample();
 }
 
@@ -23,8 +24,9 @@ void ComputationTimes::end() {
 }
 
 void ComputationTimes::add_sample() {
-    samples.push_back(
-        {platform::performance_counter(), platform::time_stamp_counter(), platform::wall_clock_milliseconds()});
+    const platform::ProcessTimes process = platform::process_times();
+    samples.push_back({platform::performance_counter(), platform::time_stamp_counter(),
+                       platform::wall_clock_milliseconds(), process.user_seconds + process.kernel_seconds});
 }
 
 platform::ProcessTimes ComputationTimes::processor_seconds() const {

@@ -1,6 +1,7 @@
 #pragma once
 // When a computation began and ended, by several clocks.
 
+#include "app/console/tracked_measurements.h"
 #include "platform/clock.h"
 
 #include <cstdint>
@@ -16,6 +17,7 @@ public:
         std::uint64_t counter;     // performance counter, nanoseconds
         std::uint64_t ticks;       // processor's time stamp counter
         std::int64_t milliseconds; // wall clock
+        double processor_seconds;  // process clock: of all threads, user and kernel
     };
 
     /// The beginning of the run, of the computation in it, and the end of both.
@@ -38,6 +40,7 @@ public:
     std::string start_date;
     std::string end_date;
     std::vector<Sample> samples;
+    TrackedMeasurements number; // what it took to compute the number, without its digits
 
 private:
     std::int64_t start_milliseconds = 0;

@@ -1,8 +1,8 @@
 #include "session/custom_action.h"
 
 #include "app/console/console.h"
-#include "app/console/value_parsers.h"
 #include "app/failure/exceptions.h"
+#include "app/notation/typed_values.h"
 #include "session/session_holder.h"
 
 namespace zorvane {
@@ -23,20 +23,26 @@ void take_output_path(CustomRequest& request, Line& line) {
     request.output_path = line.take_parameter();
 }
 
-void take_compression(CustomRequest& request, Line& line) { request.compression = parse_s32(line.take_value()); }
+void take_compression(CustomRequest& request, Line& line) {
+    request.compression = CommandLine::read_s32(line.take_value());
+}
 
 } // namespace
 
 const CommandLine::OptionTable<CustomRequest>& custom_options() {
     static const CommandLine::OptionTable<CustomRequest> table({
         {"-algorithm", [](auto& request, auto& line) { request.algorithm = line.take_value(); }},
-        {"-dec", [](auto& request, auto& line) { request.decimal_digits = parse_digits(line.take_value()); }},
-        {"-hex", [](auto& request, auto& line) { request.hexadecimal_digits = parse_digits(line.take_value()); }},
+        {"-dec",
+         [](auto& request, auto& line) { request.decimal_digits = CommandLine::read_digits(line.take_value()); }},
+        {"-hex",
+         [](auto& request, auto& line) { request.hexadecimal_digits = CommandLine::read_digits(line.take_value()); }},
         {"-o", take_output_path},
-        {"-od", [](auto& request, auto& line) { request.output_enabled = parse_sL(line.take_value()) != 0; }},
+        {"-od",
+         [](auto& request, auto& line) { request.output_enabled = CommandLine::read_s64(line.take_value()) != 0; }},
         {"-C", take_compression},
         {"-compress", take_compression},
-        {"-verify", [](auto& request, auto& line) { request.verify_output = parse_sL(line.take_value()) != 0; }},
+        {"-verify",
+         [](auto& request, auto& line) { request.verify_output = CommandLine::read_s64(line.take_value()) != 0; }},
         {"-mode", take_mode},
         {"-MA", take_allocator},
         {"-PF", take_framework},
@@ -61,11 +67,12 @@ void apply_constant(const CustomRequest& request, ConstantSettings& settings) {
 
 void apply_output(const CustomRequest& request, OutputSettings& output) {
     if (request.output_path) output.set_path(*request.output_path);
-    if (request.compression && *request.compression != 0) {
+    if (request.output_enabled == false) {
+        output.format = OutputFormat::none; // which takes the meaning from the format's own options
+    } else if (request.compression && *request.compression != 0) {
         output.format = OutputFormat::compressed;
         output.set_digits_per_file(*request.compression < 0 ? 0 : static_cast<std::uint64_t>(*request.compression));
     }
-    if (request.output_enabled == false) output.format = OutputFormat::none;
 }
 
 void apply_resources(const CustomRequest& request, NormalFloatSessionB& session) {
@@ -88,7 +95,8 @@ void custom_action(Line& line) {
     if (line.at_end()) return custom_menu();
     CustomRequest request;
     request.constant = line.key();
-    request.argument = line.take_value();
+    if (line.has_value()) request.argument = line.value();
+    line.advance();
     constant_id(request.constant); // refuses a name that isn't one
     CommandLine::apply_options(custom_options(), request, line);
     check_swap_options(request);
@@ -109,11 +117,12 @@ void custom_menu() { NormalFloatSessionHolder().menu(true); }
 void run_custom_config(const Object& settings) {
     NormalFloatSessionHolder holder(settings);
     NormalFloatSession& session = holder.active();
-    if (!session.print()) {
+    const bool good = session.print();
+    print_line();
+    if (!good) {
         session.check_built();
         throw InvalidParametersException("", "Cannot run computation with these parameters.");
     }
-    print_line();
     session.run();
 }
 

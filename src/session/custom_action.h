@@ -11,8 +11,8 @@
 namespace zorvane {
 
 struct CustomRequest : ResourceRequest {
-    std::string constant; // its name on the command line
-    std::string argument; // behind the name's ":"
+    std::string constant;                // its name on the command line
+    std::optional<std::string> argument; // after the name's ":"; may be empty
     std::optional<std::string> algorithm;
     std::optional<std::uint64_t> decimal_digits;
     std::optional<std::uint64_t> hexadecimal_digits; // 0 is none

@@ -9,7 +9,7 @@ namespace zvp {
 void check_mode(std::string_view mode) {
     if (mode == "ram") return;
     if (mode != "swap") throw InvalidParametersException("", "Invalid Mode: " + std::string(mode));
-    throw InvalidParametersException("", "Swap Mode: Not Supported");
+    throw InvalidParametersException("", unbuilt_text(swap_mode_name));
 }
 
 NormalFloatSession::NormalFloatSession(std::shared_ptr<ConstantSettings> settings_) : settings(std::move(settings_)) {

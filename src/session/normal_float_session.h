@@ -16,15 +16,19 @@
 
 namespace zvp {
 
-/// Why settings can't run: an exception that making the plan raised, or a part that this version hasn't.
+/// Why settings can't run: an exception that making the plan raised, a part that this version hasn't, or more memory than the
+/// machine has.
 struct Obstacle {
     std::string reason;                     // as a screen shows it
     std::shared_ptr<const Exception> cause; // may be null
     std::string unbuilt;                    // for stop_unbuilt(); may be empty
 };
 
+/// For print_unbuilt() and stop_unbuilt(): there is no session for far memory yet.
+inline constexpr std::string_view swap_mode_name = "Swap Mode";
+
 /// A mode as options and configurations name it, "ram" or "swap". Another word raises InvalidParametersException with
-/// "Invalid Mode: " and the word, and so does far memory, for which there is no session yet.
+/// "Invalid Mode: " and the word, far memory with the words of what isn't built.
 void check_mode(std::string_view mode);
 
 /// What the sessions of both modes have in common. The settings are shared with the menus and with the other session;

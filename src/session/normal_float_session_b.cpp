@@ -4,6 +4,7 @@
 #include "functions/iteration_plan.h"
 #include "multiply/tables/algorithm_table.h"
 #include "parallel/memory/carving.h"
+#include "session/memory_check.h"
 #include "session/session_run.h"
 
 #include <algorithm>
@@ -32,7 +33,7 @@ void NormalFloatSessionB::update() {
     const Constant& constant = *settings->constant;
     const auto refuse = [&](Obstacle found) { obstacle = std::make_unique<const Obstacle>(std::move(found)); };
     if (!constant.is_built())
-        return refuse({"This constant can't be computed yet.", nullptr, "Computing " + name_long});
+        return refuse({"This constant can't be computed yet.", nullptr, constant.computing_text()});
     if (settings->output.format == OutputFormat::compressed)
         return refuse({"Compressed digit files can't be written yet.", nullptr, "The compressed digit format (.zvd)"});
     try {
@@ -40,12 +41,13 @@ void NormalFloatSessionB::update() {
     } catch (const StringException& failure) {
         plan.reset();
         writer.reset();
-        refuse({failure.message, failure.clone(), ""});
+        return refuse({failure.message, failure.clone(), ""});
     } catch (const BufferTooSmallException& failure) {
         plan.reset();
         writer.reset();
-        refuse({"The plan of this computation's memory doesn't hold.", failure.clone(), ""});
+        return refuse({"The plan of this computation's memory doesn't hold.", failure.clone(), ""});
     }
+    if (std::string reason = memory_obstacle(total_memory()); !reason.empty()) refuse({std::move(reason), nullptr, ""});
 }
 
 void NormalFloatSessionB::make_plans() {

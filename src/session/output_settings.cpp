@@ -41,7 +41,7 @@ std::uint64_t packed_bytes(std::uint64_t digits, std::uint64_t digits_per_word) 
 }
 
 std::string prompt_path() {
-    print_line("\nEnter the path to write all output. (e.g. \"C:\" or \"C:/temp\" )", 'w');
+    print_line("\nEnter the path to write all output. (e.g. \"/mnt/disk1\" )", 'w');
     print_line("This is where both the digits and the validation file will be written to.\n");
     return prompt_line("Path: ", 'T');
 }
@@ -104,11 +104,13 @@ void OutputSettings::menu_format() {
     OutputSettings changed = *this;
     changed.format = static_cast<OutputFormat>(choose_name("Select a Digit Output Format", names));
     if (changed.format == OutputFormat::compressed) {
-        print_line("\nDo not split. Write all digits to a single file: 0\n");
-        changed.set_digits_per_file(prompt_digits("Digits per file (0 for one file only): ", 0, ~std::uint64_t{0}));
+        const bool split = choose_name("Size of the Files", {"Do not split. Write all digits to a single file.",
+                                                             "Split. Write a number of digits to each file."})
+                           == 1;
+        changed.set_digits_per_file(
+            split ? prompt_digits("Digits per file (0 for one file only): ", 0, ~std::uint64_t{0}) : 0);
     }
-    // The path has no option of its own while there is no output.
-    if (changed.enabled() && !FileIO::path_is_writable(changed.path)) changed.set_path(prompt_path());
+    if (changed.enabled()) changed.set_path(prompt_path());
     changed.check_path();
     *this = changed;
 }
@@ -138,7 +140,7 @@ void OutputSettings::menu(const ComputationSize& size) {
     for (;;) {
         print_rows(size);
         try {
-            switch (prompt_int("option: ", 0, enabled() ? raw_option : format_option, 'T')) {
+            switch (prompt_option(0, enabled() ? raw_option : format_option)) {
             case format_option: menu_format(); break;
             case path_option: menu_path(); break;
             case raw_option: raw_io = !raw_io; break;

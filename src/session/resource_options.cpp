@@ -1,7 +1,7 @@
 #include "session/resource_options.h"
 
-#include "app/console/value_parsers.h"
 #include "app/failure/exceptions.h"
+#include "app/notation/typed_values.h"
 #include "parallel/memory/allocator_registry.h"
 #include "parallel/tasks/parallelization_settings.h"
 
@@ -34,18 +34,18 @@ void take_framework(ResourceRequest& request, CommandLine::CommandLine& line) {
 }
 
 void take_task_decomposition(ResourceRequest& request, CommandLine::CommandLine& line) {
-    request.task_decomposition = zvp::checked_task_decomposition(zvp::parse_u32(line.take_value()));
+    request.task_decomposition = zvp::checked_task_decomposition(CommandLine::read_u32(line.take_value()));
 }
 
 void take_memory(ResourceRequest& request, CommandLine::CommandLine& line) {
     note_swap_option(request, line);
-    request.memory = zvp::parse_bytes(line.take_value());
+    request.memory = CommandLine::read_bytes(line.take_value());
 }
 
 void take_bytes_per_seek(ResourceRequest& request, CommandLine::CommandLine& line) {
     note_swap_option(request, line);
     constexpr std::uint64_t lowest = 4096, highest = (std::uint64_t{1} << 31) - 1;
-    request.bytes_per_seek = std::clamp(zvp::parse_bytes(line.take_value()), lowest, highest);
+    request.bytes_per_seek = std::clamp(CommandLine::read_bytes(line.take_value()), lowest, highest);
 }
 
 void take_far_memory(ResourceRequest& request, CommandLine::CommandLine& line) {

@@ -1,5 +1,7 @@
 #include "session/session_holder.h"
 
+#include "app/console/unbuilt.h"
+
 namespace zvp {
 
 NormalFloatSessionHolder::NormalFloatSessionHolder()
@@ -10,7 +12,10 @@ NormalFloatSessionHolder::NormalFloatSessionHolder(const Object& object) : Norma
     in_memory->load(object);
 }
 
-void NormalFloatSessionHolder::set_mode(std::string_view mode) { check_mode(mode); }
+void NormalFloatSessionHolder::set_mode(std::string_view mode) {
+    if (mode == "swap") stop_unbuilt(swap_mode_name);
+    check_mode(mode);
+}
 
 void NormalFloatSessionHolder::menu(bool offer_start) {
     for (;;) {

@@ -20,7 +20,7 @@ public:
     NormalFloatSession& active() { return *in_memory; }
     NormalFloatSessionB& memory_session() { return *in_memory; }
 
-    /// Selects the session; raises what check_mode() raises.
+    /// Selects the session; raises what check_mode() raises for a word that is no mode. Far memory stops the program.
     void set_mode(std::string_view mode);
 
     /// Lets the user edit the settings of the active session; runs it if `offer_start` is set.

@@ -4,6 +4,7 @@
 #include "app/console/console.h"
 #include "app/console/number_forms.h"
 #include "app/console/prompts.h"
+#include "app/console/unbuilt.h"
 #include "app/notation/config_file.h"
 #include "parallel/tasks/setting_rows.h"
 #include "session/normal_float_session_b.h"
@@ -25,10 +26,14 @@ void print_digits_row(std::string_view label, std::uint64_t digits) {
     print_row(label, digits == 0 ? "Disabled" : format_number(digits, NumberForm::commas), digits == 0 ? 'R' : 'G');
 }
 
+/// What the settings need, also if that is too much; settings without a plan have no size.
+std::string memory_text(const NormalFloatSessionB& session) {
+    return session.plan ? format_bytes(session.total_memory()) : "?";
+}
+
 void print_memory_rows(const NormalFloatSessionB& session) {
     const std::uint64_t output = session.settings->output.total_bytes(session.settings->size);
-    print_labelm(label_width,
-                 "  9     Logical Memory Needed:", session.obstacle ? "?" : format_bytes(session.total_memory()), 'G');
+    print_labelm(label_width, "  9     Logical Memory Needed:", memory_text(session), session.obstacle ? 'R' : 'G');
     print("     ");
     print_line(session.allocator->allocator->display_name(), 'T');
     set_color('w');
@@ -38,11 +43,10 @@ void print_memory_rows(const NormalFloatSessionB& session) {
     print_line(" for output", 'w');
 }
 
-/// One of the options; anything else is asked again, and so is the end of the input, which mustn't start anything.
-std::uint32_t prompt_option(const std::vector<std::uint32_t>& options) {
+/// One of the options; anything else is asked again.
+std::uint32_t prompt_listed_option(const std::vector<std::uint32_t>& options) {
     for (;;) {
-        const std::uint32_t option = prompt_int("option: ", 0, *std::max_element(options.begin(), options.end()), 'T');
-        if (input_has_ended()) continue;
+        const std::uint32_t option = prompt_option(0, *std::max_element(options.begin(), options.end()));
         if (std::find(options.begin(), options.end(), option) != options.end()) return option;
     }
 }
@@ -52,9 +56,9 @@ void mode_menu(const NormalFloatSessionB& session) {
     print_line("\n\nSelect a Mode:\n", 'w');
     print_line("Option      Mode            Memory      Disk Memory\n");
     print(" 1      Ram Only            ");
-    print_line(session.obstacle ? "?" : format_bytes(session.total_memory()), 'G');
+    print_line(memory_text(session), session.obstacle ? 'R' : 'G');
     print("        Swap Mode           ", 'w');
-    print_line("Not Supported", 'R');
+    print_line(unbuilt_text(""), 'R');
     print_line("\n    *Disk usage varies with the amount of memory that is being used.\n"
                "    More memory usually means more disk usage. The value shown here is for\n"
                "    the lowest possible amount of working memory.\n"
@@ -67,7 +71,7 @@ void mode_menu(const NormalFloatSessionB& session) {
                "    redundant RAID will cause the actual disk requirement to be higher than\n"
                "    what is displayed.\n",
                'w');
-    prompt_int("option: ", 1, 1, 'T');
+    prompt_option(1, 1);
 }
 
 /// The memory that is needed, and where it comes from.
@@ -86,23 +90,27 @@ void memory_menu(NormalFloatSessionB& session) {
         constexpr std::uint32_t first_own_row = 3;
         const std::uint32_t end = allocator->print_menu_rows(first_own_row);
         print_line("\n   0    Done!\n");
-        const std::uint32_t option = prompt_int("option: ", 0, end - 1, 'T');
+        const std::uint32_t option = prompt_option(0, end - 1);
         if (option == 0) return;
         if (option == 2) allocator = select_allocator();
         if (option >= first_own_row) allocator->menu_select(option - first_own_row);
     }
 }
 
-/// Reads the settings of a file that the user names. Raises ConfigLoadException; the settings are as they were then.
+/// Reads the settings of a file that the user names; an empty answer reads nothing. Raises ConfigLoadException; the settings are as they were then.
 void load_settings(NormalFloatSessionB& session) {
     print_line("\nEnter path to load configuration file. (the .cfg extension can be omitted)");
-    const std::string path = config_path(prompt_line("", 'T'));
+    const std::string name = prompt_line("", 'T');
+    if (name.empty()) return;
+    const std::string path = config_path(name);
     try {
         const std::unique_ptr<Node> root = load_notation_file(path);
         const Object& file = root->as_object("load_settings()");
         const std::string& action = file.get_string("Action");
         if (action != "CustomCompute") throw InvalidParametersException("", "Invalid Action: " + action);
-        session.load(file.get_object(action));
+        const Object& settings = file.get_object(action);
+        if (settings.get_string("Mode") == "swap") return print_unbuilt(swap_mode_name); // the menu goes on
+        session.load(settings);
     } catch (const Exception& failure) {
         throw ConfigLoadException{failure.clone()};
     }
@@ -174,7 +182,7 @@ void NormalFloatSessionB::menu(bool offer_start) {
         std::vector<std::uint32_t> options{1, 2, 3, 4, 5, 7, 8, 9, 20, 21};
         if (ends) options.push_back(0);
         if (settings->output.enabled()) options.push_back(6);
-        const std::uint32_t option = prompt_option(options);
+        const std::uint32_t option = prompt_listed_option(options);
         if (option == 0) return;
         try {
             act(*this, option);

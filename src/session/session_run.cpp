@@ -4,8 +4,10 @@
 #include "app/console/linear_console_status.h"
 #include "app/console/number_forms.h"
 #include "app/console/process_switches.h"
+#include "app/console/run_watch.h"
 #include "app/console/unbuilt.h"
 #include "parallel/memory/carving.h"
+#include "platform/file.h"
 #include "session/digit_checks.h"
 #include "session/memory_check.h"
 #include "session/run_results.h"
@@ -39,6 +41,7 @@ private:
     BigFloat compute_number(AlignedBufferC<64>& memory);
     void report_end();
     void check_digits();
+    std::shared_ptr<const FileIO::FileException> first_write_fault() const;
     void release();
     void report_diagnostics();
 
@@ -59,6 +62,9 @@ private:
 void SessionRun::execute() {
     session.times.begin_run();
     check_physical_memory(sink, session.total_memory());
+    const OutputSettings& output_settings = session.settings->output;
+    check_disk_space(sink, output_settings.total_bytes(session.settings->size), output_settings.path,
+                     platform::free_disk_bytes(output_settings.path));
     allocator.acquire_privileges();
     print_run_header(session);
     announce();
@@ -68,9 +74,11 @@ void SessionRun::execute() {
     compute();
     report_end();
     check_digits();
+    const std::shared_ptr<const FileIO::FileException> write_fault = first_write_fault();
     release();
     report_diagnostics();
     print_unbuilt("The validation file");
+    if (write_fault) write_fault->fire();
     if (spot_check_result < 0)
         throw AlgorithmFailedException("", "Spot check failed at: " + std::to_string(-spot_check_result));
 }
@@ -115,6 +123,8 @@ void SessionRun::tell_allocation(std::string_view label, const std::vector<Statu
 }
 
 void SessionRun::tell_allocation_errors() {
+    if (memory->lock_refused() || (table_memory->record && table_memory->record->lock_refused))
+        sink.warning(lock_limit_warning);
     std::vector<std::string> errors = memory->warnings();
     if (table_memory->record)
         errors.insert(errors.end(), table_memory->record->warnings.begin(), table_memory->record->warnings.end());
@@ -151,8 +161,10 @@ BigFloat SessionRun::compute_number(AlignedBufferC<64>& rest) {
     const std::uint64_t began = platform::performance_counter();
     const LinearWordBuffer words = rest.spawn_words(padded_words(session.plan->result_words()));
     BigFloat number(words.pointer, words.words);
-    const bool told = session.plan->run(parameters(), {&sink, &log}, number, rest);
+    session.times.number.open();
+    const bool told = session.plan->run(parameters(), {&sink, &log, &session.times.number}, number, rest);
     if (!told) sink.print_line("");
+    session.times.number.close();
     session.times.add_sample();
     sink.print_time(session.name_short, static_cast<double>(platform::performance_counter() - began) * 1e-9);
     sink.print_line("");
@@ -180,6 +192,12 @@ void SessionRun::check_digits() {
     print_line();
 }
 
+std::shared_ptr<const FileIO::FileException> SessionRun::first_write_fault() const {
+    for (const std::optional<DigitResult>* result : {&digits.hexadecimal, &digits.decimal})
+        if (*result && (*result)->write_fault) return (*result)->write_fault;
+    return nullptr;
+}
+
 void SessionRun::release() {
     digits = {};
     output.decimal = output.hexadecimal = nullptr;
@@ -203,6 +221,8 @@ void SessionRun::report_diagnostics() {
 void run_session(NormalFloatSessionB& session, StatusSink* sink) {
     std::unique_ptr<StatusSink> own;
     if (!sink) own = std::make_unique<LinearConsoleRoot>(LinearConsoleRoot::default_width, 1.0);
+    std::optional<RunWatch> watch; // a client has its own way to end a run
+    if (!sink) watch.emplace(session.name_short);
     if (!session.event_log) session.event_log = std::make_unique<EventLog>();
     SessionRun(session, sink ? *sink : *own).execute();
 }

@@ -30,6 +30,7 @@ public:
 
     /// What went wrong while it was obtained, without keeping it from being used.
     const std::vector<std::string>& warnings() const;
+    bool lock_refused() const { return allocation->record && allocation->record->lock_refused; }
 
 private:
     std::unique_ptr<Allocation> allocation;

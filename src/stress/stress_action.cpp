@@ -2,7 +2,7 @@
 
 #include "app/console/build_info.h"
 #include "app/console/unbuilt.h"
-#include "app/console/value_parsers.h"
+#include "app/notation/typed_values.h"
 
 #include <algorithm>
 
@@ -17,14 +17,16 @@ std::vector<std::pair<std::string, Table::Handler>> stress_rows() {
     std::vector<std::pair<std::string, Table::Handler>> rows{
         {"-M",
          [](StressRequest& request, Line& line) {
-             request.memory = std::min(zvp::parse_bytes(line.take_value()), zvp::memory_setting_cap());
+             request.memory = std::min(CommandLine::read_bytes(line.take_value()), zvp::memory_cap);
          }},
         {"-D",
          [](StressRequest& request, Line& line) {
-             request.seconds_per_test = std::clamp(zvp::parse_u32(line.take_value()), 1u, max_seconds);
+             request.seconds_per_test = std::clamp(CommandLine::read_u32(line.take_value()), 1u, max_seconds);
          }},
-        {"-TL", [](StressRequest& request,
-                   Line& line) { request.seconds_total = std::min(zvp::parse_u32(line.take_value()), max_seconds); }},
+        {"-TL",
+         [](StressRequest& request, Line& line) {
+             request.seconds_total = std::min(CommandLine::read_u32(line.take_value()), max_seconds);
+         }},
         // A test of other builds: known by name, refused like a word that isn't known.
         {"C17", [](StressRequest&, Line& line) { CommandLine::reject_parameter(line); }},
     };
@@ -43,9 +45,9 @@ const Table& stress_options() {
 void stress_action(Line& line) {
     StressRequest request;
     CommandLine::apply_options(stress_options(), request, line);
-    zvp::stop_unbuilt("The stress test (action \"stress\")");
+    zvp::stop_unbuilt(action_name);
 }
 
-void stress_menu() { zvp::stop_unbuilt("The Component Stress Tester"); }
+void stress_menu() { zvp::stop_unbuilt(action_name); }
 
 } // namespace StressTest

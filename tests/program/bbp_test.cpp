@@ -146,10 +146,11 @@ Total Time:             .*
 (?:.*\n){2}
 Green = Requested digits that should be correct.
 Red  = Extra working precision. May not be correct.
+\|    = End of the requested digits.
 
 Hexadecimal Digits starting from: 16\^-1001
 
-  49F1C09B 075372C9(?: [0-9A-F]{8}){6}
+  49F1C09B 075372C9(?: [0-9A-F]{8}){6}\|
   [0-9A-F]{8} [0-9A-F]{8}
 
 $)");
@@ -158,6 +159,8 @@ $)");
 
 TEST(Start, ARunBeyondTheModesIsOfferedOrOneWithinThemRefused) {
     constexpr std::uint64_t last_in_a = (std::uint64_t{1} << 46) - 25, last_in_b = (std::uint64_t{1} << 48) - 25;
+    // The 7-term formula has (24 + offset) / 5 + 1 terms, and k = (2^49 - 12) / 20 of (20k + 19) is beyond mode A.
+    constexpr std::uint64_t last_for_7 = 5 * (((std::uint64_t{1} << 49) - 12) / 20) - 30;
     const std::string ready = "  0     Start Computation!\n", refused = "        Cannot Start: ";
     const std::string beyond_a = refused + "Divisor exceeds limit of 2^49 - 1.\n";
     const std::string beyond_b = refused + "Divisor exceeds limit of 2^51 - 1.\n";
@@ -172,6 +175,8 @@ TEST(Start, ARunBeyondTheModesIsOfferedOrOneWithinThemRefused) {
         {last_in_a + 1, 8, "0", "B", beyond_a},
         {last_in_a, 9, "0", "B", beyond_a},
         {last_in_a, 8, "1", "B", ready},
+        {last_for_7, 8, "1", "B", ready},
+        {last_for_7 + 1, 8, "1", "B", refused + "No mode is able to handle this range.\n"},
         {last_in_a + 1, 8, "0", "", ready},
         {last_in_a + 1, 8, "0", "A", ready},
         {last_in_b, 8, "0", "", ready},

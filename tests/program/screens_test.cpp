@@ -56,20 +56,23 @@ TEST(Menus, AnItemRunsAnotherOrEndsWithTheWrongCode) {
         std::string input, shown;
         int exit_code;
     } cases[] = {
-        {"0\n", unbuilt("Benchmark Pi"), 1},
-        {"1\n", unbuilt("The Component Stress Tester"), 1},
-        {"2\n", unbuilt("The I/O performance analysis"), 1},
+        {"0\n", unbuilt(bench_name), 1},
+        {"1\n", unbuilt(stress_name), 1},
+        {"2\n", unbuilt(benchio_name), 1},
         {"3\n5\n0\n3\n100\n0\n", "\n\nCustom Compute a Constant\n\n  1     Constant:               Pi\n", 0},
         {"4\n2\n0\n0\n", "Hexadecimal Digits starting from: 16^-1\n", 0},
-        {"5\n", unbuilt("The Digit Viewer (action \"digitviewer\")"), 1},
-        {"6\n0\n", advanced_items + "\n" + unbuilt("The Benchmark Validator"), 1},
+        {"5\n", unbuilt(viewer_name), 1},
+        {"6\n0\n", advanced_items + "\n" + unbuilt(validator_name), 1},
         {"6\n1\n", unbuilt("The Log(n) Formula Generator"), 1},
         {"6\n2\n", unbuilt("The list of Hardware Features"), 1},
         {"6\n5\n3\n", advanced_items + "option: \nLike any other program, zorvane", 0},
         {"6\n4\n", unbuilt("Test Swap Multiply"), 1},
         {"7", disclaimer, 0},
-        {"8\n4294967303\n\r\n", main_items + "option: option: \n" + unbuilt("Benchmark Pi"), 1},
-        {"9", main_items + "option: \n" + unbuilt("Benchmark Pi"), 1}, // the end of input is an empty line once
+        {"8\n4294967303\n\r\n", main_items + "option: option: \n" + unbuilt(bench_name), 1},
+        {"9", main_items + "option: option: " + input_ended, 1}, // the end of input chooses nothing
+        {"6\n", advanced_items + "option: " + input_ended, 1},
+        {"4\n", "option: option: " + input_ended, 1},
+        {"3\n", "option: option: " + input_ended, 1},
         {"4\n3\n", "Digits: Digits: " + input_ended, 1},
     };
     for (const auto& c : cases) {
@@ -85,14 +88,33 @@ TEST(Menus, AnItemRunsAnotherOrEndsWithTheWrongCode) {
     }
 }
 
-TEST(UnfinishedComputation, AnotherActionRuns) {
+TEST(UnfinishedComputation, AStrayFileIsAWarning) {
     const TemporaryFolder folder;
     write_file(folder.path / "zorvane Checkpoint File.txt", "");
-    for (const char* line : {"", "about", "colors:0 nonsense", "config"}) {
-        ProgramRun run = zorvane(line, "7\n");
-        run.working_directory = folder.path;
-        expect_output(run, "An unfinished computation has been found.\nResuming...\n\n\n\n"
-                               + unbuilt("Resuming a computation"));
+    ProgramRun run = zorvane("bench");
+    run.working_directory = folder.path;
+    expect_output(run, "An unfinished computation has been found: zorvane Checkpoint File.txt\n"
+                           + unbuilt("Resuming a computation") + "\n" + unbuilt(bench_name));
+}
+
+TEST(EndOfInput, OnATerminalItCountsForOneReadAlone) {
+    const std::string end = "\x04";
+    const struct {
+        std::string line, input, shown;
+    } cases[] = {
+        {"", end + "7\n", "Disclaimer:"},
+        {"bbp", end + "2\n1000\n" + end + end + "3\n8\n4\n" + end + "1\n0\n", "starting from: 16^-1001"},
+        {"custom", end + "3\n500\n" + end + "1\n" + end + "2\n5\n1\n0\n" + end + "0\n0\n",
+         "Last Decimal Digits:  e"},
+    };
+    for (const auto& c : cases) {
+        ProgramRun run = zorvane("colors:0 pause:-2 " + c.line, c.input);
+        if (c.line.empty()) run.arguments.pop_back();
+        run.terminal = true;
+        run.seconds = 20;
+        const ProgramResult result = run_program(run);
+        EXPECT_EQ(result.exit_code, 0) << describe(run, result);
+        EXPECT_NE(result.output.find(c.shown), std::string::npos) << describe(run, result);
     }
 }
 
@@ -102,7 +124,7 @@ TEST(Colors, TerminalsGetNoneOrSwitchedOffOnesRemain) {
     } cases[] = {
         {"", "7\n", "\x1b[96m  0         Benchmark Pi"},
         {"about", "", "\x1b[93mDisclaimer:"},
-        {"bench", "", "\x1b[91mBenchmark Pi isn't part of"},
+        {"bench", "", "\x1b[91mBenchmark Pi (action \"bench\") isn't part of"},
         {"custom pi -o", "", "\x1b[91mUncaught std exception: "},
         {"custom tau", "", "\x1b[91m\r\nException Encountered: "},
         {"bbp", "2\n0\n3\n12\n0\n", "\x1b[92m  243F6A88 85A3\x1b[91m08D3 13198A2E "},

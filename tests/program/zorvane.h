@@ -56,6 +56,14 @@ inline void expect_output(const ProgramRun& run, const std::string& expected, in
     EXPECT_EQ(result.exit_code, exit_code) << describe(run, result);
 }
 
+/// What the actions are called where they aren't built.
+inline const std::string bench_name = "Benchmark Pi (action \"bench\")",
+                         stress_name = "The Component Stress Tester (action \"stress\")",
+                         benchio_name = "The I/O Performance Analysis (action \"benchio\")",
+                         viewer_name = "The Digit Viewer (action \"digitviewer\")",
+                         validator_name = "The Benchmark Validator (action \"validate\")",
+                         slave_name = "Slave Mode (action \"slave\")";
+
 inline std::string unbuilt(const std::string& what) { return what + " isn't part of version V.\n"; }
 
 /// The report of an exception that reached the top, and the end of the run behind it.

@@ -75,7 +75,7 @@ protected:
 
     /// The plan holds as it was made, or the settings are refused for a size that no multiplication reaches.
     bool holds() const {
-        if (session.obstacle) return dynamic_cast<const LimitExceededException*>(session.obstacle->cause.get());
+        if (!session.plan) return dynamic_cast<const LimitExceededException*>(session.obstacle->cause.get());
         const std::uint64_t planned = std::uint64_t{padded_words(session.plan->result_words())} * sizeof(wtype)
                                       + std::max(session.plan->memory_bytes(), session.writer->buffer_bytes());
         for (const DryRun::Phase& phase : session.phases)

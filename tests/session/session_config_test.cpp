@@ -1,5 +1,6 @@
 #include "session/session_holder.h"
 
+#include "app/console/unbuilt.h"
 #include "app/notation/parser.h"
 #include "app/raised.h"
 #include "support/program.h"
@@ -76,7 +77,7 @@ TEST(CustomCompute, AMissingOrWrongKeyIsTaken) {
         std::string raised;
     } cases[] = {
         {"\"ram\"", "\"disk\"", refused + "Invalid Mode: disk"},
-        {"\"ram\"", "\"swap\"", refused + "Swap Mode: Not Supported"},
+        {"\"ram\"", "\"swap\"", refused + unbuilt_text(swap_mode_name)},
         {"12345", "99", refused + "Computation size must be at least 100 decimal digits."},
         {"12345", "-12345", refused + "Computation size must be at least 100 decimal digits."},
         {"12345", "1000000000000051",

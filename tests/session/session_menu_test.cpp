@@ -45,7 +45,9 @@ TEST(CustomMenu, AnOptionDoesNotReachItsSetting) {
         {"5\n1\n0\n0\n", "        Framework : \"none\""},
         {"5\n2\n" + path + "\n0\n", "        Path : \"" + path + "/\""},
         {"5\n3\n0\n", "        RawIO : \"false\""},
-        {"5\n1\n2\n25m\n0\n", "        DigitsPerFile : 25000000"},
+        {"5\n1\n1\n" + path + "\n0\n", "        Path : \"" + path + "/\""},
+        {"5\n1\n2\n1\n25m\n\n0\n", "        DigitsPerFile : 25000000"},
+        {"5\n1\n2\n1\n25m\n\n1\n2\n0\n\n0\n", "        DigitsPerFile : 0"},
         {"6\n", "    OutputVerify : \"false\""},
         {"7\n1\n", "    Mode : \"ram\""},
         {"8\n2\n5\n0\n", "        TaskDecomposition : 5"},
@@ -68,10 +70,12 @@ TEST(CustomMenu, ARefusedAnswerIsTaken) {
         {"3\n2000000000000000\n", "Computation size cannot be larger than 1,000,000,000,000,050 decimal digits."},
         {"4\n5\n", "Computation size must be at least 83 hexadecimal digits."},
         {"5\n2\n/no/such/folder\n0\n", "Path is not writable."},
-        {"5\n1\n2\n999999\n0\n", "DigitsPerFile must be at least 1,000,000 digits."},
-        {"1\n8\n0\n2\n", "Euler-Mascheroni Constant isn't part of version"},
-        {"7\n2\n1\n", "        Swap Mode           Not Supported\n"},
+        {"5\n1\n2\n1\n999999\n0\n", "DigitsPerFile must be at least 1,000,000 digits."},
+        {"1\n8\n0\n2\n", "Computing Euler's Constant isn't part of version"},
+        {"7\n2\n1\n", "        Swap Mode           isn't part of version "},
         {"9\n1\n0\n", "   1    Adjust Total Memory (not available in this mode)\n"},
+        {"3\n1e3\n2e3\n1000\n", "Invalid number: 2e3  (not understood: \"e3\")\nDigits: "},
+        {"20\n\n21\n\n", "Load/Save Configuration File"},
         {"20\n/no/such/file\n", "Unable to open file."},
         {"21\n/no/such/file\n", "Unable to create file."},
         {"22\n10\n19\n", "option: option: option: option: "},
@@ -114,6 +118,8 @@ TEST(CustomMenu, AFileReadsBackAsOtherSettings) {
     test::write_file(path + ".cfg", "{Action : \"StressTest\" StressTest : {}}");
     const Edited third("20\n" + path + "\n");
     EXPECT_TRUE(third.told("Invalid Action: StressTest"));
+    test::write_file(path + ".cfg", "{Action : \"CustomCompute\" CustomCompute : {Mode : \"swap\"}}");
+    EXPECT_TRUE(Edited("20\n" + path + "\n").told("Swap Mode isn't part of version"));
     EXPECT_EQ(third.text, Edited("").text);
 }
 

@@ -1,3 +1,4 @@
+#include "platform/file.h"
 #include "session/memory_check.h"
 #include "session/working_memory.h"
 
@@ -66,10 +67,24 @@ TEST(MemoryCheck, AShortageIsNotTold) {
                       check_physical_memory(sink, c.bytes, c.machine);
                   }),
                   c.told);
+        EXPECT_EQ(memory_obstacle(c.bytes, c.machine).empty(), c.bytes != 2001);
     }
     const platform::PhysicalMemory machine = platform::physical_memory();
     EXPECT_GT(machine.available, 0u);
     EXPECT_LE(machine.available, machine.total);
+}
+
+TEST(DiskCheck, WarnsWhereTheDigitsDoNotFit) {
+    const auto told = [](std::uint64_t bytes, std::optional<std::uint64_t> free) {
+        return printed_by([&] {
+            LinearConsoleRoot sink;
+            check_disk_space(sink, bytes, "/disk/", free);
+        });
+    };
+    EXPECT_EQ(told(1000, 1000) + told(1000, std::nullopt), "");
+    EXPECT_NE(told(2049, 2048).find("    Path:           /disk/\n    Space Needed:   2.00 KiB\n"), std::string::npos);
+    EXPECT_GT(platform::free_disk_bytes("").value_or(0), 0u);
+    EXPECT_EQ(platform::free_disk_bytes("/no/such/folder"), std::nullopt);
 }
 
 } // namespace

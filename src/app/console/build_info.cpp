@@ -3,11 +3,14 @@
 #include "app/console/number_forms.h"
 #include "platform/kernel_set.h"
 
+#include <limits>
+
 namespace zvp {
 
 std::string version_text() { return ZORVANE_VERSION " Build " ZORVANE_BUILD_NUMBER; }
 
-std::uint64_t memory_setting_cap() { return ZORVANE_MEMORY_CAP; }
+constexpr std::uint64_t chosen_cap = ZORVANE_MEMORY_CAP;
+const std::uint64_t memory_cap = chosen_cap == 0 ? std::numeric_limits<std::size_t>::max() : chosen_cap;
 
 std::vector<std::pair<std::string, std::string>> compilation_options() {
     std::string kernel_sets;
@@ -22,7 +25,7 @@ std::vector<std::pair<std::string, std::string>> compilation_options() {
             {"Build Type", ZORVANE_BUILD_TYPE}, {"Sanitizers", ZORVANE_SANITIZERS[0] ? ZORVANE_SANITIZERS : "none"},
             {"Address Size", std::to_string(8 * sizeof(void*)) + " bits"}, {"Baseline", "x86-64, SSE3"},
             {"Kernel Sets", kernel_sets},
-            {"Memory Setting Cap", format_number(memory_setting_cap(), NumberForm::commas_and_bytes)},
+            {"Memory Setting Cap", chosen_cap == 0 ? "none" : format_number(memory_cap, NumberForm::commas_and_bytes)},
     };
 }
 

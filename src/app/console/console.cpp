@@ -32,10 +32,12 @@ char current_color = 'w';
 
 } // namespace
 
+bool colors_shown() { return process_switches().colors_enabled && platform::output_is_terminal(); }
+
 void set_color(char color) {
     if (color == ' ') return;
     if (ansi_sequence(color) == ansi_sequence('w')) color = 'w';
-    if (color == current_color || !process_switches().colors_enabled || !platform::output_is_terminal()) return;
+    if (color == current_color || !colors_shown()) return;
     current_color = color;
     platform::write_output(ansi_sequence(color));
 }
@@ -43,7 +45,7 @@ void set_color(char color) {
 void reset_color() { set_color('w'); }
 
 void set_title(std::string_view text) {
-    if (!process_switches().colors_enabled || !platform::output_is_terminal() || !platform::output_ready()) return;
+    if (!colors_shown() || !platform::output_ready()) return;
     platform::write_output("\x1b]0;" + std::string(text) + "\a");
 }
 
@@ -78,11 +80,12 @@ void print_warning(std::string_view text) {
 
 namespace {
 
-bool ended = false; // an empty line was answered for the end of the input
+bool ended = false;           // an empty line was answered for an end of the input that is final
+bool last_line_ended = false; // the last line was an end of the input, final or not
 
 } // namespace
 
-bool input_has_ended() { return ended; }
+bool input_has_ended() { return last_line_ended; }
 
 std::string read_line(char color) {
     set_color(color);
@@ -96,10 +99,12 @@ std::string read_line(char color) {
             set_color(color == ' ' ? 'w' : color);
             continue;
         }
-        if (status == platform::LineStatus::end_of_input) {
+        last_line_ended = status == platform::LineStatus::end_of_input;
+        if (last_line_ended && !platform::input_goes_on()) {
             if (ended) fatal_stop("The input has ended, but an answer is needed. Stopping.");
             ended = true;
         }
+        if (last_line_ended && !ended) print_line();
         if (status == platform::LineStatus::failed)
             fatal_stop("The input can't be read, but an answer is needed. Stopping.");
         break;
@@ -108,10 +113,11 @@ std::string read_line(char color) {
     return line;
 }
 
-void pause(char color) {
-    if (!platform::input_is_terminal() || !platform::output_is_terminal()) return;
+bool pause(char color) {
+    if (process_switches().pause_mode < -1) return false;
+    if (!platform::input_is_terminal() || !platform::output_is_terminal()) return false;
     set_color(color);
-    platform::wait_for_key();
+    return platform::wait_for_key();
 }
 
 void fatal_stop() {

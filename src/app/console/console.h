@@ -14,6 +14,9 @@
 
 namespace zvp {
 
+/// Whether colours can be seen: what only they tell apart needs another sign where not.
+bool colors_shown();
+
 void set_color(char color);
 void reset_color();
 
@@ -37,15 +40,16 @@ void print_labelm_line(std::size_t width, std::string_view label, std::string_vi
 void print_warning(std::string_view text);
 
 /// Reads one line of standard input, typed in the colour; trailing control characters are cut. The end of the
-/// input counts as one empty line; reading on behind it is a fatal stop, since no prompt could ever be
-/// answered.
+/// input counts as one empty line; reading on after it is a fatal stop, since no prompt could ever be
+/// answered. On a terminal (Ctrl-D) every end is an empty line, since the user can go on typing.
 std::string read_line(char color = ' ');
 
-/// Whether the last line was the end of the input: what must not happen unasked can wait for a line that somebody typed.
+/// Whether the last line was an end of the input and not typed: it must not choose what a menu runs.
 bool input_has_ended();
 
-/// Waits for a key where a user is there to press one; in the colour, white by default.
-void pause(char color = 'w');
+/// Waits for a key where a user is there to press one and pauses aren't switched off (pause:-2); in the colour, white by
+/// default. Returns whether the key was Ctrl-C: what follows a warning breaks off then.
+bool pause(char color = 'w');
 
 /// Ends the process with code 1 where nothing can be thrown: resets the colour and pauses if that is allowed.
 [[noreturn]] void fatal_stop();

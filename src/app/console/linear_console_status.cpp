@@ -3,10 +3,12 @@
 #include "app/console/console.h"
 #include "app/console/console_lock.h"
 #include "app/console/number_forms.h"
+#include "app/console/run_watch.h"
 #include "app/console/text_width.h"
 #include "app/failure/exceptions.h"
 #include "platform/clock.h"
 #include "platform/console_io.h"
+#include "platform/process.h"
 
 #include <algorithm>
 #include <exception>
@@ -63,7 +65,9 @@ void LinearConsoleRoot::warning(std::string_view text) {
 
 void LinearConsoleRoot::pause_warning(std::string_view text) {
     warning(text);
-    pause();
+    if (!pause()) return;
+    reset_color();
+    platform::end_process(interrupted_exit_code);
 }
 
 void LinearConsoleRoot::fatal(const Exception& exception) {
@@ -125,6 +129,7 @@ void LinearConsoleRoot::erase() {
 }
 
 StatusNode& LinearConsoleRoot::begin_task(std::string_view line) {
+    note_running_task(line);
     print_line(line);
     first_node.reset();
     first_node = std::make_unique<LinearConsoleNode>(*this);
@@ -132,6 +137,7 @@ StatusNode& LinearConsoleRoot::begin_task(std::string_view line) {
 }
 
 void LinearConsoleRoot::end_task(double seconds) {
+    note_running_task("");
     first_node.reset();
     if (std::uncaught_exceptions() > 0) {
         displayed = false;
@@ -202,11 +208,9 @@ void LinearConsoleNode::push_node(std::unique_ptr<StatusNode> child_) {
     child = std::move(child_);
 }
 
-LinearConsoleIteration::LinearConsoleIteration(LinearConsoleRoot& root_, StatusCell cell, std::uint64_t total_,
-                                               IterationMode mode_, bool colored_)
-    : root(root_), total(total_), mode(mode_), colored(colored_) {
-    const std::size_t open = cell.text.rfind('(');
-    opens_bracket = open != std::string::npos && cell.text.find(')', open) == std::string::npos;
+LinearConsoleIteration::LinearConsoleIteration(LinearConsoleRoot& root_, StatusCell cell, std::uint64_t total,
+                                               IterationMode mode, bool colored_)
+    : root(root_), number(cell.text, total, mode), colored(colored_) {
     root.push_cell(std::move(cell));
 }
 
@@ -248,22 +252,10 @@ void LinearConsoleIteration::push_cell(StatusCell cell) {
     ++pushed_cells;
 }
 
-std::string LinearConsoleIteration::number_text() const {
-    if (mode == IterationMode::percent && total > 0) {
-        __extension__ using Wide = unsigned __int128;
-        return std::to_string(static_cast<std::uint64_t>(Wide{completed.load()} * 100 / total)) + " %";
-    }
-    if (mode == IterationMode::fraction) {
-        const std::string end = std::to_string(total);
-        return pad_left(std::to_string(completed.load()), end.size()) + " / " + end + (opens_bracket ? ")" : "");
-    }
-    return "";
-}
-
 void LinearConsoleIteration::update(bool force) {
     if (!root.refresh_due(force)) return;
-    const StatusCell number{colored ? 'G' : 'w', number_text()};
-    root.draw(force, &number);
+    const StatusCell shown{colored ? 'G' : 'w', number.text(completed.load())};
+    root.draw(force, &shown);
 }
 
 std::uint64_t LinearConsoleIteration::get_completed() const {

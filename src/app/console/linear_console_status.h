@@ -2,6 +2,7 @@
 // The status chain on the console: one line, redrawn in place on a terminal. Redirected output gets the
 // finished lines only.
 
+#include "app/console/iteration_number.h"
 #include "app/console/status.h"
 
 #include <atomic>
@@ -74,7 +75,7 @@ private:
 
 class LinearConsoleIteration final : public StatusIteration {
 public:
-    LinearConsoleIteration(LinearConsoleRoot& root_, StatusCell cell, std::uint64_t total_, IterationMode mode_,
+    LinearConsoleIteration(LinearConsoleRoot& root_, StatusCell cell, std::uint64_t total, IterationMode mode,
                            bool colored_);
     ~LinearConsoleIteration() override;
 
@@ -93,14 +94,10 @@ public:
     void set_completed(std::uint64_t count) override;
 
 private:
-    std::string number_text() const;
-
     LinearConsoleRoot& root;
-    const std::uint64_t total;
+    const IterationNumber number;
     std::atomic<std::uint64_t> completed{0};
-    const IterationMode mode;
     const bool colored;
-    bool opens_bracket; // the label ends inside "(": the fraction closes it
     std::size_t pushed_cells = 1;
 };
 

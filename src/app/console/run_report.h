@@ -2,17 +2,19 @@
 
 #include "app/console/event_log.h"
 #include "app/console/status.h"
+#include "app/console/tracked_measurements.h"
 
 #include <optional>
 #include <string_view>
 
 namespace zvp {
 
-/// Where a computation reports: the lines and the status that a user watches, and the log of its phases. Either may be
-/// absent. Copied freely, owns nothing.
+/// Where a computation reports: the lines and the status that a user watches, the log of its phases, and the sum of the
+/// time that they take. Each may be absent. Copied freely, owns nothing.
 struct RunReport {
     StatusSink* sink = nullptr;
     EventLog* events = nullptr;
+    TrackedMeasurements* measurements = nullptr;
 
     void log(std::string_view text) const {
         if (events != nullptr) events->log(text);

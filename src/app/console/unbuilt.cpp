@@ -7,8 +7,12 @@
 
 namespace zvp {
 
+std::string unbuilt_text(std::string_view what) {
+    return std::string(what) + (what.empty() ? "" : " ") + "isn't part of version " + version_text() + ".";
+}
+
 void print_unbuilt(std::string_view what) {
-    print_line(std::string(what) + " isn't part of version " + version_text() + ".", 'R');
+    print_line(unbuilt_text(what), 'R');
     set_color('w');
 }
 

@@ -108,4 +108,67 @@ std::uint64_t parse_bytes(std::string_view text) {
     return saturating_add(saturating_multiply(whole, unit), part);
 }
 
+namespace {
+
+/// Moves the digits at the front of `word` to `text`; of commas, those that part groups of three. Returns whether there
+/// were any.
+bool move_digits(std::string_view& word, std::string& text) {
+    const auto run = [](std::string_view part) { return std::min(part.find_first_not_of("0123456789"), part.size()); };
+    std::size_t count = run(word);
+    const bool any = count != 0;
+    const bool groups = any && count <= 3;
+    text += word.substr(0, count);
+    word.remove_prefix(count);
+    while (groups && !word.empty() && word.front() == ',' && run(word.substr(1)) == 3) {
+        text += word.substr(1, 3);
+        word.remove_prefix(4);
+    }
+    return any;
+}
+
+void move_one_of(std::string_view& word, std::string& text, std::string_view characters) {
+    if (word.empty() || characters.find(word.front()) == std::string_view::npos) return;
+    text += word.front();
+    word.remove_prefix(1);
+}
+
+/// A fraction, blanks, a unit as the program prints it ("KiB") or without "i", without "B". What
+/// follows the "B" is passed over, as in "768MBytes".
+void move_byte_unit(std::string_view& word, std::string& text, bool& any) {
+    if (!word.empty() && word.front() == '.') {
+        move_one_of(word, text, ".");
+        const std::size_t count = std::min(word.find_first_not_of("0123456789"), word.size());
+        any = any || count != 0;
+        text += word.substr(0, count);
+        word.remove_prefix(count);
+    }
+    while (!word.empty() && word.front() == ' ') move_one_of(word, text, " ");
+    const std::size_t before = text.size();
+    move_one_of(word, text, "kmgtpeKMGTPE");
+    if (text.size() != before) move_one_of(word, text, "iI");
+    if (!word.empty() && (word.front() == 'B' || word.front() == 'b')) word = {};
+}
+
+} // namespace
+
+TypedNumber::TypedNumber(std::string_view word, NumberKind kind) {
+    word.remove_prefix(std::min(word.find_first_not_of(" \t"), word.size()));
+    word = word.substr(0, word.find_last_not_of(" \t") + 1);
+    if (word.empty()) return;
+    const std::string_view whole = word;
+    if (kind == NumberKind::signed_integer) move_one_of(word, text, "-");
+    bool any = move_digits(word, text);
+    switch (kind) {
+    case NumberKind::digits: move_one_of(word, text, "kmbtKMBT"); break;
+    case NumberKind::menu_digits: move_one_of(word, text, "kmbtKMGT"); break;
+    case NumberKind::bytes: move_byte_unit(word, text, any); break;
+    default: break;
+    }
+    unread = any ? word : whole;
+}
+
+std::string invalid_number_text(std::string_view word, const TypedNumber& number) {
+    return "Invalid number: " + std::string(word) + "  (not understood: \"" + number.unread + "\")";
+}
+
 } // namespace zvp

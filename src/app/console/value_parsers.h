@@ -6,6 +6,7 @@
 // it.
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace zvp {
@@ -32,5 +33,19 @@ std::uint64_t parse_menu_digits(std::string_view text);
 /// A byte count: digits, an optional decimal fraction, blanks, and one of K, M, G, T, P, E (either case) for
 /// 2^10 .. 2^60. The fraction of a unit is rounded up to a whole byte; without a unit it is dropped.
 std::uint64_t parse_bytes(std::string_view text);
+
+/// Which of the parsers a typed number is for: parse_uL(), parse_sL(), parse_digits(), parse_menu_digits(), parse_bytes().
+enum class NumberKind { integer, signed_integer, digits, menu_digits, bytes };
+
+/// A number as somebody typed it. The parsers pass over what they don't understand, which would make 1 of "1e3".
+struct TypedNumber {
+    std::string text;   // for the parser: without blanks around it and commas between groups of three digits
+    std::string unread; // what the parser wouldn't read; empty in a number that is right
+
+    TypedNumber(std::string_view word, NumberKind kind);
+};
+
+/// "Invalid number: ", the word, and where it stops being one.
+std::string invalid_number_text(std::string_view word, const TypedNumber& number);
 
 } // namespace zvp

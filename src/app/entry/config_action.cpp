@@ -3,7 +3,9 @@
 #include "app/console/unbuilt.h"
 #include "app/failure/exceptions.h"
 #include "app/notation/config_file.h"
+#include "ioanalysis/benchio_action.h"
 #include "session/custom_action.h"
+#include "stress/stress_action.h"
 
 namespace zorvane {
 
@@ -11,8 +13,8 @@ const zvp::Registry<ConfigAction>& config_actions() {
     static const zvp::Registry<ConfigAction> table(
         "Duplicate Action", {
                                 {"CustomCompute", run_custom_config},
-                                {"BenchIO", [](const zvp::Object&) { zvp::stop_unbuilt("Running \"BenchIO\""); }},
-                                {"StressTest", [](const zvp::Object&) { zvp::stop_unbuilt("Running \"StressTest\""); }},
+                                {"BenchIO", [](const zvp::Object&) { zvp::stop_unbuilt(benchio_name); }},
+                                {"StressTest", [](const zvp::Object&) { zvp::stop_unbuilt(StressTest::action_name); }},
                             });
     return table;
 }

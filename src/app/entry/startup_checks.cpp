@@ -78,12 +78,10 @@ void run_startup_checks() {
 
 bool resume_if_unfinished() {
     if (!zvp::platform::file_exists("zorvane Checkpoint File.txt")) return false;
-    print_line("An unfinished computation has been found.", 'Y');
-    print_line("Resuming...", 'w');
+    print_line("An unfinished computation has been found: zorvane Checkpoint File.txt", 'Y');
+    zvp::print_unbuilt("Resuming a computation");
     print_line();
-    zvp::pause();
-    print_line("\n");
-    zvp::stop_unbuilt("Resuming a computation");
+    return false;
 }
 
 } // namespace zorvane

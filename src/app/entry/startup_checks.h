@@ -8,7 +8,7 @@ void apply_priority();
 /// Runs the checks between the global options and the action, in their order, each told on the console.
 void run_startup_checks();
 
-/// Resumes an unfinished computation if the working directory holds one; tells whether it did.
+/// Resumes an unfinished computation if the working directory holds one; returns whether it did. So far it warns only.
 bool resume_if_unfinished();
 
 } // namespace zorvane

@@ -15,8 +15,9 @@ void about_screen() {
                "one. It is being built to compute mathematical constants to as many digits as\n"
                "a machine holds, in memory or on its disks. All of its mathematics is its own.\n"
                "\n"
-               "This version extracts hexadecimal digits of Pi at any position, without the\n"
-               "digits before them, on all cores.",
+               "This version computes Pi, e, square roots and the golden ratio in memory, writes\n"
+               "their decimal and hexadecimal digits and proves them; and it extracts hexadecimal\n"
+               "digits of Pi at any position, without the digits before them. It uses all cores.",
                'w');
     print_line();
     print_line("Disclaimer:", 'Y');

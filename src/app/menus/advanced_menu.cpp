@@ -17,7 +17,7 @@ void compilation_options() {
 
 } // namespace
 
-void benchmark_validator() { zvp::stop_unbuilt("The Benchmark Validator"); }
+void benchmark_validator() { zvp::stop_unbuilt("The Benchmark Validator (action \"validate\")"); }
 
 void advanced_menu() {
     run_item_menu("Advanced Options",

@@ -43,8 +43,7 @@ void run_item_menu(std::string_view title, const std::vector<MenuItem>& items, b
     for (std::size_t i = 0; i < items.size(); ++i) print_item(first + i, items[i].name, items[i].color);
     zvp::set_color('w');
     zvp::print_line();
-    const std::uint32_t choice =
-        zvp::prompt_int("option: ", 0, static_cast<std::uint32_t>(first + items.size() - 1), 'T');
+    const std::uint32_t choice = zvp::prompt_option(0, static_cast<std::uint32_t>(first + items.size() - 1));
     zvp::print_line();
     if (choice < first) {
         run_all_items(items);

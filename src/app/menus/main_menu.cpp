@@ -52,7 +52,7 @@ void main_menu() {
     zvp::set_color('w');
     zvp::print_line("\n");
     zvp::print_line("Enter your choice:");
-    const std::uint32_t choice = zvp::prompt_int("option: ", 0, items.size() - 1, 'T');
+    const std::uint32_t choice = zvp::prompt_option(0, items.size() - 1);
     zvp::print_line();
     items[choice].run();
 }

@@ -37,6 +37,9 @@ public:
     const std::string& key() const { return split[checked_cursor()].first; }
     const std::string& value() const { return split[checked_cursor()].second; }
 
+    /// Whether the parameter under the cursor has a ":": its value may still be empty.
+    bool has_value() const { return parameter().find(':') != std::string::npos; }
+
     void advance() { ++cursor; }
 
     /// The value under the cursor; the cursor moves on.

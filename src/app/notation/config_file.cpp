@@ -38,7 +38,9 @@ std::string config_file_text(std::string_view version, std::string_view action, 
 
 void save_config_file(std::string_view version, std::string_view action, const Object& settings) {
     print_line("Enter path to save configuration file. (the .cfg extension can be omitted)");
-    const std::string path = config_path(prompt_line("", 'T'));
+    const std::string name = prompt_line("", 'T');
+    if (name.empty()) return;
+    const std::string path = config_path(name);
     if (const int error = platform::write_whole_file(path, config_file_text(version, action, settings)); error != 0)
         throw FileIO::FileException("save_config_file()", with_system_error("Unable to create file.", error), path,
                                     error);

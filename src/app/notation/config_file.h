@@ -20,7 +20,7 @@ std::unique_ptr<Node> load_notation_file(const std::string& path);
 /// The text of a configuration file for `action` with its settings. `version` goes into the heading.
 std::string config_file_text(std::string_view version, std::string_view action, const Object& settings);
 
-/// Asks for a path and saves the settings there. Raises FileException; an old file then stays as it was.
+/// Asks for a path and saves the settings there; an empty answer saves nothing. Raises FileException; an old file then stays as it was.
 void save_config_file(std::string_view version, std::string_view action, const Object& settings);
 
 } // namespace zvp

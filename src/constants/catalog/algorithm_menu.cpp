@@ -1,7 +1,6 @@
 #include "app/console/console.h"
 #include "app/console/prompts.h"
 #include "app/console/text_width.h"
-#include "app/console/value_parsers.h"
 #include "constants/catalog/constant.h"
 
 namespace zvp {
@@ -11,7 +10,7 @@ namespace {
 /// A number below `end`; another one is refused.
 std::uint64_t prompt_algorithm(std::uint64_t end) {
     for (;;) {
-        const std::uint64_t choice = parse_uL(prompt_line("Algorithm: ", 'T'));
+        const std::uint64_t choice = prompt_int64("Algorithm: ", 0, ~std::uint64_t{0}, 'T');
         if (choice < end) return choice;
         print_line(std::to_string(choice) + " is out of range.", 'R');
         set_color('w');

@@ -2,10 +2,10 @@
 
 #include "app/console/console.h"
 #include "app/console/prompts.h"
-#include "app/console/value_parsers.h"
 #include "app/failure/exceptions.h"
 #include "app/failure/file_exceptions.h"
 #include "app/notation/text_file.h"
+#include "app/notation/typed_values.h"
 #include "constants/catalog/constant_rows.h"
 
 #include <cmath>
@@ -36,9 +36,7 @@ std::string brent_name(std::string_view name, std::uint32_t k) {
 
 } // namespace
 
-void ArgumentConstant::set_parameters(std::string_view text) {
-    if (!text.empty()) set_argument(parse_sL(text));
-}
+void ArgumentConstant::set_parameters(std::string_view text) { set_argument(CommandLine::read_s64(text)); }
 
 void ArgumentConstant::save_parameters(Object& object) const { object.add_integer("Argument", argument); }
 
@@ -48,7 +46,7 @@ bool ArgumentConstant::prompt_argument(std::string_view heading, std::string_vie
     print_line("\n\n" + std::string(heading) + "\n", 'w');
     for (;;) {
         try {
-            set_argument(parse_sL(prompt_line(label, 'T')));
+            set_argument(prompt_signed(label, 'T'));
             print_line();
             return true;
         } catch (const InvalidParametersException& refusal) {
@@ -63,7 +61,7 @@ SqrtConstant::SqrtConstant() : ArgumentConstant(constant_traits(0), 2) {}
 bool SqrtConstant::prompt_parameters() {
     print_line("\n\nSquare Root of n\n", 'w');
     for (;;) {
-        const std::int64_t n = parse_sL(prompt_line("n = ", 'T'));
+        const std::int64_t n = prompt_signed("n = ", 'T');
         try {
             if (is_square(checked_argument(n, 1))) {
                 print_line("This number is a perfect square.", 'R');

@@ -72,6 +72,7 @@ public:
     BrentConstant();
     std::unique_ptr<Constant> clone() const override { return std::make_unique<BrentConstant>(*this); }
     bool prompt_parameters() override { return prompt_argument("n = 2^k", "k = "); }
+    bool needs_parameters() const override { return true; }
     void set_argument(std::int64_t n) override;
     std::string algorithm_name() const override;
 };
@@ -82,6 +83,7 @@ public:
     CustomConstant();
     std::unique_ptr<Constant> clone() const override { return std::make_unique<CustomConstant>(*this); }
     void set_parameters(std::string_view path) override;
+    bool needs_parameters() const override { return true; }
 
 private:
     std::string file;

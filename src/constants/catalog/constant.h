@@ -52,8 +52,11 @@ public:
     /// Asks for what the constant needs beyond its name. False: the user's choice is dropped.
     virtual bool prompt_parameters() { return true; }
 
-    /// Takes the argument that stands behind the constant's name on the command line.
+    /// Takes the argument that follows the constant's name and ":" on the command line; it may be empty.
     virtual void set_parameters(std::string_view) {}
+
+    /// Whether there is no argument to go by where none is given.
+    virtual bool needs_parameters() const { return false; }
 
     /// The working size in decimal digits.
     virtual void set_digits(std::uint64_t working_digits) { digits = working_digits; }
@@ -76,6 +79,9 @@ public:
 
     /// Whether this version can compute the constant; where it can't, no plan can be made.
     bool is_built() const { return traits.built; }
+
+    /// What a constant that isn't built is called for print_unbuilt().
+    std::string computing_text() const { return "Computing " + long_name(); }
 
     /// A plan for the working size; null for an algorithm or a constant that isn't there. Raises the wish of `tables`.
     /// Throws LimitExceededException for a size beyond every multiplication.

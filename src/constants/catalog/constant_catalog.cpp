@@ -96,9 +96,9 @@ std::unique_ptr<Constant> make_constant(std::int32_t id) {
     }
 }
 
-std::unique_ptr<Constant> make_constant(std::string_view name, std::string_view argument) {
+std::unique_ptr<Constant> make_constant(std::string_view name, std::optional<std::string_view> argument) {
     std::unique_ptr<Constant> constant = make_constant(constant_id(name));
-    constant->set_parameters(argument);
+    if (argument || constant->needs_parameters()) constant->set_parameters(argument.value_or(""));
     return constant;
 }
 
@@ -112,10 +112,10 @@ std::unique_ptr<Constant> choose_constant() {
     for (;;) {
         print_catalog();
         print_line("Enter your choice:");
-        const std::uint32_t id = prompt_int("option: ", 0, rows.size() - 1, 'T');
+        const std::uint32_t id = prompt_option(0, rows.size() - 1);
         std::unique_ptr<Constant> constant = make_constant(static_cast<std::int32_t>(id));
         if (constant->is_built()) return constant->prompt_parameters() ? std::move(constant) : nullptr;
-        print_unbuilt(rows[id].name);
+        print_unbuilt(constant->computing_text());
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -34,9 +35,9 @@ std::string_view constant_key(std::int32_t id);
 /// The constant with its defaults; null for an unknown id.
 std::unique_ptr<Constant> make_constant(std::int32_t id);
 
-/// What the words of a command line name: a constant, and its argument. Raises what constant_id() and
-/// Constant::set_parameters() raise.
-std::unique_ptr<Constant> make_constant(std::string_view name, std::string_view argument);
+/// What the words of a command line name: a constant, and its argument if one was given (an empty one was given, too).
+/// Raises what constant_id() and Constant::set_parameters() raise, the latter also for a constant that needs an argument.
+std::unique_ptr<Constant> make_constant(std::string_view name, std::optional<std::string_view> argument);
 
 /// Reads what Constant::to_config_object() gives.
 std::unique_ptr<Constant> load_constant(const Object& object);

@@ -1,6 +1,7 @@
 #pragma once
 // What is known of an output once it is made.
 
+#include "app/failure/file_exceptions.h"
 #include "digits/hash/digit_counts.h"
 #include "digits/reader/digit_reader.h"
 #include "digits/records/hashed_digits.h"
@@ -18,8 +19,9 @@ struct DigitResult {
 
     DigitCounts counts;
     LastDigits last;
-    std::optional<HashedDigits> hidden;                     // of the digits computed beyond the output
-    std::unique_ptr<DigitViewer2::BasicDigitReader> reader; // of the written file
+    std::optional<HashedDigits> hidden;                       // of the digits computed beyond the output
+    std::unique_ptr<DigitViewer2::BasicDigitReader> reader;   // of the written file
+    std::shared_ptr<const FileIO::FileException> write_fault; // why the file isn't whole; there is no reader then
 };
 
 /// The outputs of a computation. The reader of the decimal stream reads words in the buffer that the writer was given.

@@ -2,6 +2,7 @@
 
 #include "app/console/console.h"
 #include "app/console/number_forms.h"
+#include "app/console/run_watch.h"
 #include "app/failure/exceptions.h"
 #include "digits/hash/hash_field.h"
 #include "digits/hash/word_hash.h"
@@ -71,6 +72,13 @@ void warn_of_sign(const RunReport& report) {
     constexpr const char* text = "Warning: zorvane's digit output cannot handle negative numbers.\n"
                                  "Output will be flipped positive...\n";
     report.sink ? report.sink->warning(text) : print_warning(text);
+}
+
+/// The number is there and so are its digits: a disk that is full is no reason to lose them.
+void warn_of_fault(const RunReport& report, const FileIO::FileException& fault) {
+    if (!report.sink) return;
+    report.sink->warning("The digits couldn't be written as a whole. What could be written is kept:\n    " + fault.path
+                         + "\nFree some disk space, or choose another path (option -o), and compute again.\n");
 }
 
 /// Throws for a number that has no digits here; with a report, warns of a negative one.
@@ -180,9 +188,15 @@ DigitResult FloatWriterB::put_out(const ParallelContext& context, const RunRepor
     if (decimal && compute_digits > D) result.hidden.emplace(stream, D, compute_digits - D);
     if (!digit_writer.enabled()) return result;
     const std::string file_name = name + (decimal ? " - Dec - " : " - Hex - ") + algorithm;
-    const auto writer = digit_writer.make_writer(file_name, stream.first_digits(), stream.radix);
-    writer->store_digits(digits, 0, D, buffer.extract_aligned(), context);
-    result.reader = writer->close_and_get_basic_reader();
+    const FileInProgress in_progress(digit_writer.path + file_name + ".txt");
+    try {
+        const auto writer = digit_writer.make_writer(file_name, stream.first_digits(), stream.radix);
+        writer->store_digits(digits, 0, D, buffer.extract_aligned(), context);
+        result.reader = writer->close_and_get_basic_reader();
+    } catch (const FileIO::FileException& fault) {
+        result.write_fault = std::make_shared<FileIO::FileException>(fault);
+        warn_of_fault(report, fault);
+    }
     return result;
 }
 

@@ -37,7 +37,8 @@ public:
     /// `pars` names tasks and tables; its own scratch isn't used.
     ///
     /// Raises InvalidParametersException for a number out of range and BufferTooSmallException before anything is
-    /// computed, FileException for faults of files, AlgorithmFailedException where a check found a fault.
+    /// computed, AlgorithmFailedException where a check found a fault, FileException where a file can't be read back. A file
+    /// that can't be written is a warning and DigitResult::write_fault; all other work is done.
     void write(const MultiplyParameters& pars, const RunReport& report, DigitResults& results, const BigFloat& x,
                const AlignedBufferC<64>& buffer) const;
 

@@ -94,7 +94,7 @@ void BaseFile::rename(const std::string& new_path, bool read_only) {
     constexpr const char* function = "BaseFile::rename()";
     if (!is_open()) throw FileException(function, "File isn't open.", new_path, 0);
     if (const int error = flush())
-        throw_file_fault(function, "FlushFileBuffers() failed.", file_path, error, FaultDirection::write);
+        throw_file_fault(function, "fsync() failed.", file_path, error, FaultDirection::write);
     const std::string old_path = file_path;
     if (close() != 0) warn_of_file("BaseFile::close(): Unable to close file.", old_path);
     rename_or_throw(function, old_path, new_path, handle.system());

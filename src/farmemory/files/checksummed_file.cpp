@@ -57,8 +57,7 @@ void move_in_pieces(const char* function, const std::string& path, FaultDirectio
         const std::span<Value> piece = values.subspan(done, std::min(largest_piece, values.size() - done));
         const MovedBytes moved = move((first_sector + done) * sizeof(std::uint32_t), piece);
         if (moved.error != 0)
-            throw_file_fault(function, reading ? "ReadFile() failed." : "WriteFile() failed.", path, moved.error,
-                             direction);
+            throw_file_fault(function, reading ? "pread() failed." : "pwrite() failed.", path, moved.error, direction);
         if (moved.bytes < piece.size_bytes())
             throw FileException(function,
                                 (reading ? "Incomplete Read: " : "Incomplete Write: ") + std::to_string(moved.bytes)
@@ -176,7 +175,7 @@ void ChecksummedFile::flush() {
 void ChecksummedFile::flush_checksums(const char* function) {
     if (!checksums.is_open()) return;
     if (const int error = checksums.flush())
-        throw_file_fault(function, "FlushFileBuffers() failed.", checksums.path(), error, FaultDirection::write);
+        throw_file_fault(function, "fsync() failed.", checksums.path(), error, FaultDirection::write);
 }
 
 // Both files are on the disk before the first name changes.

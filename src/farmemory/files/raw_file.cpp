@@ -23,15 +23,15 @@ struct Transfer {
     FaultDirection direction;
 };
 
-constexpr Transfer load_words{"RawFile::load()", "ReadFile() failed.", "Incomplete Read: ", FaultDirection::read};
-constexpr Transfer store_words{"RawFile::store()", "WriteFile() failed.", "Incomplete Write: ", FaultDirection::write};
+constexpr Transfer load_words{"RawFile::load()", "pread() failed.", "Incomplete Read: ", FaultDirection::read};
+constexpr Transfer store_words{"RawFile::store()", "pwrite() failed.", "Incomplete Write: ", FaultDirection::write};
 
 /// move(done, bytes) moves the next bytes; the parts are as large as transfer_chunk() says.
 template <class Move>
 std::size_t move_in_chunks(const RawFile& file, FileSystem& system, const Transfer& words, std::uint64_t offset,
                            std::size_t length, bool throw_on_short, Move&& move) {
     if (offset > INT64_MAX || length > INT64_MAX - offset)
-        throw_file_fault(words.function, "SetFilePointerEx() failed.", file.path, EINVAL);
+        throw_file_fault(words.function, words.failed, file.path, EINVAL);
     const std::size_t chunk = transfer_chunk(length, file.alignment_bits, system);
     std::size_t done = 0;
     while (done < length) {
@@ -110,11 +110,11 @@ void RawFile::lengthen(std::uint64_t bytes) {
     FileSystem& system = handle.system();
     const int error = system.allocate(handle.number(), bytes);
     if (error == ENOSPC || error == EDQUOT || error == EFBIG)
-        throw_file_fault("RawFile::set_size()", "SetEndOfFile() failed.", path, error);
+        throw_file_fault("RawFile::set_size()", "fallocate() failed.", path, error);
     if (error != 0)
         warn_of_file_once(system.told_allocation_fault,
-                          "SetFileValidData() has failed. Expect performance degradation.\n"
-                          "Try re-running as administrator.\n",
+                          "fallocate() has failed. Expect performance degradation.\n"
+                          "Another file system may take the space at once.\n",
                           path);
 }
 
@@ -149,9 +149,9 @@ std::size_t RawFile::store(std::uint64_t offset, const void* buffer, std::size_t
 void RawFile::set_size(std::uint64_t bytes) {
     constexpr const char* function = "RawFile::set_size()";
     if (!is_open()) throw zvp::InvalidParametersException(function, "File isn't open.");
-    if (bytes > INT64_MAX) throw_file_fault(function, "SetFilePointerEx() failed.", path, EINVAL);
+    if (bytes > INT64_MAX) throw_file_fault(function, "ftruncate() failed.", path, EINVAL);
     if (const int error = handle.system().set_length(handle.number(), bytes))
-        throw_file_fault(function, "SetEndOfFile() failed.", path, error);
+        throw_file_fault(function, "ftruncate() failed.", path, error);
 }
 
 /// Data that passed by the system's memory can still stand in the disk's own cache, and where they lie in the file
@@ -161,7 +161,7 @@ int RawFile::settle() { return writable ? handle.system().sync(handle.number()) 
 void RawFile::flush() {
     if (!is_open() || unbuffered) return;
     if (const int error = settle())
-        throw_file_fault("RawFile::flush()", "FlushFileBuffers() failed.", path, error, FaultDirection::write);
+        throw_file_fault("RawFile::flush()", "fsync() failed.", path, error, FaultDirection::write);
 }
 
 void RawFile::close(bool keep) {
@@ -183,19 +183,18 @@ void RawFile::close_and_set_size(std::uint64_t bytes) {
     const OpenedFile opened = system.open(closed_path, {true, false, FileCaching::write_through});
     if (opened.error != 0) throw_file_fault(function, "Unable to open file.", closed_path, opened.error);
     FileHandle exact(system, opened.file);
-    if (bytes > INT64_MAX) throw_file_fault(function, "SetFilePointerEx() failed.", closed_path, EINVAL);
+    if (bytes > INT64_MAX) throw_file_fault(function, "ftruncate() failed.", closed_path, EINVAL);
     if (const int error = system.set_length(exact.number(), bytes))
-        throw_file_fault(function, "SetEndOfFile() failed.", closed_path, error);
+        throw_file_fault(function, "ftruncate() failed.", closed_path, error);
     if (const int error = system.sync(exact.number()))
-        throw_file_fault(function, "FlushFileBuffers() failed.", closed_path, error, FaultDirection::write);
+        throw_file_fault(function, "fsync() failed.", closed_path, error, FaultDirection::write);
     if (exact.close() != 0) warn_of_file(unclosed, closed_path);
 }
 
 void RawFile::rename(const std::string& new_path, bool read_only) {
     constexpr const char* function = "RawFile::rename()";
     if (!is_open()) throw FileException(function, "File isn't open.", new_path, 0);
-    if (const int error = settle())
-        throw_file_fault(function, "FlushFileBuffers() failed.", path, error, FaultDirection::write);
+    if (const int error = settle()) throw_file_fault(function, "fsync() failed.", path, error, FaultDirection::write);
     const std::string old_path = std::exchange(path, {});
     if (handle.close() != 0) warn_of_file("RawFile::close(): Unable to close file.", old_path);
     rename_or_throw(function, old_path, new_path, handle.system());

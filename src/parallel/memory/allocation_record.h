@@ -16,6 +16,7 @@ struct AllocationRecord {
     std::uint64_t large_page_size = 0; // 0 if not known
     NodeBytes nodes;
     std::vector<std::string> warnings;
+    bool lock_refused = false; // by the limit on locked memory, and large pages don't make up for it
 
     /// One string for each item, for reports of many lines: locked part, large pages, the three fullest nodes.
     std::vector<std::string> item_lines() const;

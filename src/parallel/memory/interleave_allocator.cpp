@@ -100,6 +100,7 @@ std::unique_ptr<Allocation> InterleaveAllocator::allocate(const ParallelContext&
     record.warnings = std::move(binder.warnings);
     if (locked_pages.value == OptionalFlag::disabled) return allocation;
     record.locked_bytes = lock_region(*system, mapping.data, size);
+    record.lock_refused = record.locked_bytes < size;
     if (locked_pages.value == OptionalFlag::forced && record.locked_bytes < size) return failure;
     return allocation;
 }

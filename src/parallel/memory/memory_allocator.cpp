@@ -37,13 +37,8 @@ std::unique_ptr<Allocation> MemoryAllocator::allocate_or_stop(std::vector<Status
 bool acquire_lock_privilege(platform::MemorySystem& system) {
     const platform::LockPrivilege& privilege = system.lock_privilege();
     if (privilege.granted) return true;
-    if (privilege.lookup_error != 0) print_line("LookupPrivilegeValue error " + std::to_string(privilege.lookup_error));
-    if (privilege.adjust_error != 0)
-        print_line("AdjustTokenPrivileges error " + std::to_string(privilege.adjust_error));
-    print_warning("Unable to acquire the permission, \"SeLockMemoryPrivilege\".\n"
-                  "Large pages and page locking may not be possible.\n"
-                  "\n"
-                  "Expect larger performance penalties from Meltdown mitigation.\n");
+    if (privilege.lookup_error != 0) print_line("getrlimit() error " + std::to_string(privilege.lookup_error));
+    if (privilege.adjust_error != 0) print_line("setrlimit() error " + std::to_string(privilege.adjust_error));
     return false;
 }
 

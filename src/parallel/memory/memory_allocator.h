@@ -22,8 +22,8 @@ public:
     virtual std::string_view key() const = 0;
     virtual std::string_view display_name() const = 0;
 
-    /// Gets what the process needs for the settings; false, after a warning, if it can't be had. To be called before a
-    /// computation; allocation is worth trying in any case.
+    /// Gets what the process needs for the settings; false if it can't be had. To be called before a computation; allocation
+    /// is worth trying in any case, and what was lost is known only then (AllocationRecord::lock_refused).
     virtual bool acquire_privileges() const = 0;
 
     /// At least `bytes` of touched memory at a multiple of 2^alignment_bits, never null; one without a pointer is a
@@ -79,6 +79,11 @@ private:
         return object;
     }
 };
+
+/// For a computation whose allocations lost something by the limit on locked memory.
+inline constexpr std::string_view lock_limit_warning =
+    "The limit on locked memory is too low to keep all of the memory from being swapped out.\n"
+    "Run \"ulimit -l unlimited\" as root before, or raise \"memlock\" in /etc/security/limits.conf.";
 
 /// The part of MemoryAllocator::acquire_privileges() for allocators that lock pages.
 bool acquire_lock_privilege(platform::MemorySystem& system);

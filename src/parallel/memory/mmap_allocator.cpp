@@ -79,6 +79,7 @@ bool MmapAllocator::lock(Allocation& allocation) const {
     std::uint64_t& locked = allocation.record->locked_bytes; // pages of the pool are locked already
     if (locked_pages.value == OptionalFlag::disabled || locked == allocation.bytes) return true;
     locked = lock_region(*system, allocation.pointer, allocation.bytes);
+    allocation.record->lock_refused = locked < allocation.bytes && allocation.record->large_bytes < allocation.bytes;
     return locked == allocation.bytes || locked_pages.value != OptionalFlag::forced;
 }
 

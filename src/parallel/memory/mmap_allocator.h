@@ -13,7 +13,7 @@ namespace zvp {
 class MmapAllocator final : public AllocatorOf<MmapAllocator> {
 public:
     static constexpr std::string_view own_key = "mmap";
-    static constexpr std::string_view name = "WinAPI VirtualAlloc()";
+    static constexpr std::string_view name = "mmap()";
 
     explicit MmapAllocator(platform::MemorySystem& system_ = platform::memory_system()) : AllocatorOf(system_) {}
 

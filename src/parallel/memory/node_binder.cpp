@@ -27,9 +27,9 @@ std::string error_line(std::uint32_t task, const char* call, int error, std::uin
 
 void append_warnings(std::vector<std::string>& warnings, std::uint32_t task, std::uint32_t wanted, const Tally& tally) {
     for (const auto& [error, count] : tally.placement_errors)
-        warnings.push_back(error_line(task, "VirtualAllocExNuma", error, count));
+        warnings.push_back(error_line(task, "set_mempolicy", error, count));
     for (const auto& [error, count] : tally.query_errors)
-        warnings.push_back(error_line(task, "QueryWorkingSetEx", error, count));
+        warnings.push_back(error_line(task, "move_pages", error, count));
     for (const auto& [node, count] : tally.landed)
         if (node != wanted)
             warnings.push_back(std::to_string(count) + " pages intended for node " + std::to_string(wanted)

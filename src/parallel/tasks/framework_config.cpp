@@ -228,7 +228,7 @@ private:
 
 class WorkQueueConfig final : public ConfigWithSettings {
 public:
-    WorkQueueConfig() : ConfigWithSettings("winpool", "Windows Thread Pool") { settings = {&dispatch}; }
+    WorkQueueConfig() : ConfigWithSettings("winpool", "System Work Queue") { settings = {&dispatch}; }
     std::unique_ptr<ParallelFramework> make_framework() const override {
         return std::make_unique<WorkQueueFramework>(dispatch.value);
     }

@@ -53,7 +53,7 @@ void ParallelizationSettings::menu() {
         constexpr std::uint32_t first_own_row = 4;
         const std::uint32_t end = framework->print_menu_rows(first_own_row);
         print_line("\n   0    Done!\n");
-        const std::uint32_t option = prompt_int("option: ", 0, end - 1, 'T');
+        const std::uint32_t option = prompt_option(0, end - 1);
         switch (option) {
         case 0: return;
         case 1: restore_defaults(); break;

@@ -20,7 +20,7 @@ std::size_t choose_name(std::string_view title, const std::vector<std::string_vi
         print_line(names[i], 'G');
     }
     print_line("", 'w');
-    return prompt_int("option: ", 0, static_cast<std::uint32_t>(names.size() - 1), 'T');
+    return prompt_option(0, static_cast<std::uint32_t>(names.size() - 1));
 }
 
 } // namespace zvp

@@ -1,5 +1,6 @@
 #include "parallel/tasks/task_queue.h"
 
+#include "app/failure/child_thread.h"
 #include "app/failure/exceptions.h"
 #include "platform/threads.h"
 
@@ -92,7 +93,7 @@ void TaskQueue::wake_or_start(std::uint32_t count) {
 
 void TaskQueue::start_worker() {
     const auto number = static_cast<std::uint32_t>(threads.size());
-    threads.emplace_back([this, number] { work(number); });
+    threads.emplace_back([this, number] { run_child_thread([&] { work(number); }); });
 }
 
 void TaskQueue::work(std::uint32_t number) {

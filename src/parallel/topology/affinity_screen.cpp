@@ -21,8 +21,8 @@ void print_screen(const SchedulingGroup& group) {
     print_line("If there are no cores in the list, then no affinity is set. The worker-threads\n"
                "will have their default affinities as assigned by the OS.\n"
                "\n"
-               "On Windows, all logical cores must be in the same processor group. Attempting\n"
-               "to enable cores from multiple groups will fail. Linux has no such restriction.\n");
+               "All logical cores are in one processor group, so that any of them can be\n"
+               "enabled together.\n");
     print_line("Active Cores (" + std::to_string(group.core_count()) + " total):");
     print(core_list_text(group.cores(), list_indent, list_width), 'G');
     print_line("\n"

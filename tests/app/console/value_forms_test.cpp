@@ -77,6 +77,27 @@ TEST(ValueParsers, ByteCountsRoundTheFractionOfAUnitUp) {
                                "15.9999999999999999999E=18446744073709551615");
 }
 
+TEST(TypedNumber, ATailIsUnreadAndGroupedDigitsAreRead) {
+    const struct {
+        NumberKind kind;
+        const char* rows;
+    } cases[] = {
+        {NumberKind::integer,
+         "=|;12=12|;1,234=1234|; 5 =5|;12,34=12|,34;1234,567=1234|,567;1,000,00=1000|,00;x=|x;-1=|-1"},
+        {NumberKind::signed_integer, "-1,000=-1000|;--1=-|--1;-=-|-"},
+        {NumberKind::digits, "25M=25M|;1,500k=1500k|;1e3=1|e3;1.5k=1|.5k;5kk=5k|k;k=k|k"},
+        {NumberKind::menu_digits, "1G=1G|;1g=1|g"},
+        {NumberKind::bytes, "2.5 GiB=2.5 Gi|;768MBytes=768M|;.5G=.5G|;999 bytes=999 |;1.2.3=1.2|.3;5X=5|X;B=|B"},
+    };
+    for (const auto& c : cases)
+        expect_rows(
+            [&](const std::string& text) {
+                const TypedNumber number(text, c.kind);
+                return number.text + "|" + number.unread;
+            },
+            c.rows);
+}
+
 TEST(TextWidth, ColumnsAreCodePointsNotBytes) {
     EXPECT_EQ(column_count("π ≈ 3"), 5u);
     EXPECT_EQ(fit_left("πρσ", 2) + "|" + fit_left("πρ", 4) + "|", "πρ|πρ  |");

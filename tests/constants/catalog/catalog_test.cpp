@@ -51,7 +51,10 @@ TEST(Catalog, AnArgumentIsTakenWrongly) {
         {"sqrt", "1", low},
         {"sqrt", "0", low},
         {"sqrt", "-5", low},
-        {"sqrt", "", "Sqrt(2)"},
+        {"sqrt", "", low},
+        {"sqrt", "2x", "Invalid number: 2x  (not understood: \"x\")"},
+        {"sqrt", "1,000,003", "Sqrt(1000003)"},
+        {"log", "", low},
         {"sqrt", "4", "4 is a perfect square."},
         {"sqrt", "65536", "65536 is a perfect square."},
         {"sqrt", "4294836225", "4294836225 is a perfect square."}, // 65535^2
@@ -61,6 +64,7 @@ TEST(Catalog, AnArgumentIsTakenWrongly) {
         {"log", "32767", "Log(32767)"},
         {"log", "32768", "32768 is out of range."},
         {"log", "1", low},
+        {"brent", "", "Argument must be greater than 0."},
         {"brent", "0", "Argument must be greater than 0."},
         {"brent", "64", "64 is out of range."},
         {"brent", "4294967296", large},
@@ -74,6 +78,8 @@ TEST(Catalog, AnArgumentIsTakenWrongly) {
         EXPECT_EQ(raised == "nothing" ? outcome : raised, raised == "nothing" ? c.outcome : refused + c.outcome)
             << c.name << ":" << c.argument;
     }
+    EXPECT_EQ(make_constant("sqrt", std::nullopt)->short_name(), "Sqrt(2)");
+    EXPECT_NE(raised_by([] { make_constant("brent", std::nullopt); }), "nothing");
     EXPECT_EQ(make_constant("brent", "63")->algorithm_name(), "Brent-McMillan with Refinement ( n = 2^63 )");
     EXPECT_EQ(make_constant("sqrt", "7")->spot_check_key(), "Sqrt-7");
 }
@@ -171,8 +177,8 @@ TEST(ConstantMenu, AChoiceIsLostOrAWrongOneKept) {
         {"0\n1\n16\n4294967296\n10\n", "Sqrt(10)",
          "n = Argument must be greater than 1.\nn = This number is a perfect square.\n"
          "Please choose something more interesting :)\nn = Argument is too large.\nn = "},
-        {"5\n3\n", "Pi", "Zeta(3) (Apery's Constant) isn't part of version"},
-        {"10\n1\n", "Golden Ratio", "Custom constant with user-defined formula. isn't part of version"},
+        {"5\n3\n", "Pi", "Computing Zeta(3) - Apery's Constant isn't part of version"},
+        {"10\n1\n", "Golden Ratio", "Computing Custom Formula isn't part of version"},
     };
     for (const auto& c : cases) {
         std::string chosen;

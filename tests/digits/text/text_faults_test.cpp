@@ -27,7 +27,7 @@ struct TextFaults : testing::Test {
 TEST_F(TextFaults, DiskFull) {
     BasicTextWriter writer(path, "3.1", 10, true, files);
     files.plan(FileCall::write, {ENOSPC});
-    EXPECT_EQ(store(writer), fault("RawFile::store()", "WriteFile() failed.", "Disk is Full", ENOSPC));
+    EXPECT_EQ(store(writer), fault("RawFile::store()", "pwrite() failed.", "Disk is Full", ENOSPC));
     EXPECT_EQ(store(writer), "nothing"); // the user made room
     writer.close_and_get_basic_reader();
     EXPECT_EQ(read_file(path), "3." + std::string(10'000, '4'));
@@ -85,7 +85,7 @@ TEST_F(TextFaults, Reads) {
     EXPECT_EQ(fault_of([&] { BasicTextReader(folder.path / "none.txt", true); }).substr(0, 30),
               "RawFile()|Unable to open file.");
     files.plan(FileCall::read, {EIO});
-    EXPECT_NE(fault_of([&] { BasicTextReader(path, true, 0, files); }).find("RawFile::load()|ReadFile() failed."),
+    EXPECT_NE(fault_of([&] { BasicTextReader(path, true, 0, files); }).find("RawFile::load()|pread() failed."),
               std::string::npos);
     BasicTextReader reader(path, true, 0, files);
     Values output(10'000);
@@ -93,7 +93,7 @@ TEST_F(TextFaults, Reads) {
     const auto load = [&] {
         return fault_of([&] { reader.load_digits(output.data(), nullptr, 0, 10'000, buffer_of(sectors), {}); });
     };
-    EXPECT_NE(load().find("RawFile::load()|ReadFile() failed."), std::string::npos);
+    EXPECT_NE(load().find("RawFile::load()|pread() failed."), std::string::npos);
     files.most_bytes = 4'096; // short reads are gone on with
     EXPECT_EQ(load(), "nothing");
     EXPECT_EQ(output, values);

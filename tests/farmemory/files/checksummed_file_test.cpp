@@ -88,14 +88,14 @@ TEST_F(ChecksummedFileTest, TellsFaultsOfBothFiles) {
               "ChecksummedFile::load()|4 of 8");
     EXPECT_EQ(fault_of([&] { file->store(0, back.data, 8192, {}); }), "ChecksummedFile::store()|0 of 8");
     files.plan(FileCall::read, {EIO, 0, EIO});
-    EXPECT_EQ(loaded(*file, 0, 4096), fault("RawFile::load()", "ReadFile() failed.", "Read Fault", EIO));
-    EXPECT_EQ(loaded(*file, 0, 4096), fault("ChecksummedFile::load()", "ReadFile() failed.", "Read Fault", EIO));
+    EXPECT_EQ(loaded(*file, 0, 4096), fault("RawFile::load()", "pread() failed.", "Read Fault", EIO));
+    EXPECT_EQ(loaded(*file, 0, 4096), fault("ChecksummedFile::load()", "pread() failed.", "Read Fault", EIO));
     files.plan(FileCall::write, {0, ENOSPC});
     EXPECT_EQ(fault_of([&] { file->store(0, buffer.data, 4096, values); }),
-              fault("ChecksummedFile::store()", "WriteFile() failed.", "Disk is Full", ENOSPC));
+              fault("ChecksummedFile::store()", "pwrite() failed.", "Disk is Full", ENOSPC));
     files.plan(FileCall::sync, {EIO});
     EXPECT_EQ(fault_of([&] { file->flush(); }),
-              fault("ChecksummedFile::flush()", "FlushFileBuffers() failed.", "Write Fault", EIO));
+              fault("ChecksummedFile::flush()", "fsync() failed.", "Write Fault", EIO));
     EXPECT_EQ(fault_of([&] { ChecksummedFile(path, 12, FileMode::create_empty, true, seed, files); }),
               "ChecksummedFile()|A file without a size can't be created.");
     file.reset();
@@ -104,7 +104,7 @@ TEST_F(ChecksummedFileTest, TellsFaultsOfBothFiles) {
 
 TEST_F(ChecksummedFileTest, AFailedCreationLeavesNoHalf) {
     files.plan(FileCall::write, {ENOSPC});
-    EXPECT_EQ(fault_of([&] { filled(); }), fault("ChecksummedFile()", "WriteFile() failed.", "Disk is Full", ENOSPC));
+    EXPECT_EQ(fault_of([&] { filled(); }), fault("ChecksummedFile()", "pwrite() failed.", "Disk is Full", ENOSPC));
     EXPECT_EQ(fault_of([&] { ChecksummedFile(4096, path, 12, true, seed, values, 3, files); }),
               "ChecksummedFile()|0 of 4");
     EXPECT_TRUE(fs::is_empty(folder.path));
@@ -121,7 +121,7 @@ TEST_F(ChecksummedFileTest, BothFilesAreRenamedAndRemoved) {
     auto file = filled();
     files.plan(FileCall::sync, {EIO}); // the checksums can't be put to the disk: no name changes
     EXPECT_EQ(fault_of([&] { file->rename(target, false); }),
-              fault("ChecksummedFile::rename()", "FlushFileBuffers() failed.", "Write Fault", EIO));
+              fault("ChecksummedFile::rename()", "fsync() failed.", "Write Fault", EIO));
     EXPECT_EQ(loaded(*file, 0, 2 * 4096), "nothing");
     EXPECT_EQ(test::read_file(target), "old");
     file->rename(target, false);

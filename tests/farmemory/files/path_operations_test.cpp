@@ -123,7 +123,7 @@ TEST(BaseFile, RenamingTellsEachStep) {
     test::FakeFiles files;
     BaseFile file(4, path, false, files);
     files.plan(FileCall::sync, {EIO});
-    EXPECT_EQ(fault_of([&] { file.rename(target); }), fault(label, "FlushFileBuffers() failed.", "Write Fault", EIO));
+    EXPECT_EQ(fault_of([&] { file.rename(target); }), fault(label, "fsync() failed.", "Write Fault", EIO));
     EXPECT_EQ(file.path(), path);
     BaseFile moved(std::move(file));
     EXPECT_FALSE(file.is_open());

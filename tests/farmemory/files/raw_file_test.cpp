@@ -45,7 +45,7 @@ TEST_F(RawFileTest, GivesBackWhatWasStored) {
         EXPECT_EQ(fault_of([&] { file->load(8192, back.data, back.bytes, true); }),
                   "RawFile::load()|Incomplete Read: 8192 / 32768");
         EXPECT_EQ(fault_of([&] { file->load(~0ull << 12, back.data, 4096, true); }),
-                  fault("RawFile::load()", "SetFilePointerEx() failed.",
+                  fault("RawFile::load()", "pread() failed.",
                         "Invalid parameter. This can happen if the sector alignment is too small.", EINVAL));
         file->close(true);
         EXPECT_EQ(test::read_file(path), buffer.text());
@@ -99,8 +99,8 @@ TEST_F(RawFileTest, AFailedOpeningLeavesTheDiskAsItWas) {
         const char *function, *message, *text;
     } rows[] = {{FileCall::open, EROFS, "RawFile()", "Unable to create file.", "Access Denied"},
                 {FileCall::open, ENOSPC, "RawFile()", "Unable to create file.", "Disk is Full"},
-                {FileCall::set_length, ENOSPC, "RawFile::set_size()", "SetEndOfFile() failed.", "Disk is Full"},
-                {FileCall::allocate, ENOSPC, "RawFile::set_size()", "SetEndOfFile() failed.", "Disk is Full"}};
+                {FileCall::set_length, ENOSPC, "RawFile::set_size()", "ftruncate() failed.", "Disk is Full"},
+                {FileCall::allocate, ENOSPC, "RawFile::set_size()", "fallocate() failed.", "Disk is Full"}};
     for (const auto& row : rows)
         for (const std::string before : {"", "short but good"}) {
             SCOPED_TRACE(testing::Message() << row.message << row.code << before);
@@ -126,12 +126,12 @@ TEST_F(RawFileTest, FailedTransfersTellTheDirectionAndLoseNothing) {
     auto file = filled();
     files.plan(FileCall::read, {EIO});
     EXPECT_EQ(fault_of([&] { file->load(0, back.data, 4096, false); }),
-              fault("RawFile::load()", "ReadFile() failed.", "Read Fault", EIO));
+              fault("RawFile::load()", "pread() failed.", "Read Fault", EIO));
     files.plan(FileCall::write, {EIO, ENOSPC});
     EXPECT_EQ(fault_of([&] { file->store(0, back.data, 4096, false); }),
-              fault("RawFile::store()", "WriteFile() failed.", "Write Fault", EIO));
+              fault("RawFile::store()", "pwrite() failed.", "Write Fault", EIO));
     EXPECT_EQ(fault_of([&] { file->store(0, back.data, 4096, false); }),
-              fault("RawFile::store()", "WriteFile() failed.", "Disk is Full", ENOSPC));
+              fault("RawFile::store()", "pwrite() failed.", "Disk is Full", ENOSPC));
     files.most_bytes = 0;
     EXPECT_EQ(file->store(0, back.data, 4096, false), 0u);
     EXPECT_EQ(fault_of([&] { file->store(0, back.data, 4096, true); }), "RawFile::store()|Incomplete Write: 0 / 4096");
@@ -146,9 +146,9 @@ TEST_F(RawFileTest, ARealFullDiskKeepsWhatWasWritten) {
     {
         const test::UserLimit limit(RLIMIT_FSIZE, buffer.bytes);
         EXPECT_EQ(fault_of([&] { file->store(buffer.bytes, back.data, 4096, true); }),
-                  fault("RawFile::store()", "WriteFile() failed.", "Disk is Full", EFBIG));
+                  fault("RawFile::store()", "pwrite() failed.", "Disk is Full", EFBIG));
         EXPECT_EQ(fault_of([&] { RawFile(1 << 20, target, 12, true, files); }),
-                  fault("RawFile::set_size()", "SetEndOfFile() failed.", "Disk is Full", EFBIG));
+                  fault("RawFile::set_size()", "ftruncate() failed.", "Disk is Full", EFBIG));
     }
     EXPECT_FALSE(fs::exists(target));
     file.reset();
@@ -164,8 +164,8 @@ TEST_F(RawFileTest, WhatTheFileSystemLacksIsToldOnce) {
     });
     const std::string rest = "\nPath: " + path + "\nFurther messages for this warning will be suppressed.\n\n";
     EXPECT_EQ(printed, "\nThis file system has no raw I/O. Buffered access is used instead.\n" + rest
-                           + "\nSetFileValidData() has failed. Expect performance degradation.\n"
-                             "Try re-running as administrator.\n"
+                           + "\nfallocate() has failed. Expect performance degradation.\n"
+                             "Another file system may take the space at once.\n"
                            + rest);
     EXPECT_EQ(test::read_file(path), buffer.text());
 }
@@ -193,8 +193,7 @@ TEST_F(RawFileTest, OnlyCachedDataAreFlushed) {
     }
     auto file = filled(false);
     files.plan(FileCall::sync, {EIO});
-    EXPECT_EQ(fault_of([&] { file->flush(); }),
-              fault("RawFile::flush()", "FlushFileBuffers() failed.", "Write Fault", EIO));
+    EXPECT_EQ(fault_of([&] { file->flush(); }), fault("RawFile::flush()", "fsync() failed.", "Write Fault", EIO));
 }
 
 TEST_F(RawFileTest, RenamingReplacesAndOpensAgain) {
@@ -210,7 +209,7 @@ TEST_F(RawFileTest, RenamingReplacesAndOpensAgain) {
     file->rename(path, true);
     EXPECT_EQ(test::read_file(path), buffer.text());
     EXPECT_EQ(file->load(0, back.data, 4096, true), 4096u);
-    EXPECT_TRUE(fault_of([&] { file->store(0, buffer.data, 4096, true); }).starts_with("RawFile::store()|WriteFile()"));
+    EXPECT_TRUE(fault_of([&] { file->store(0, buffer.data, 4096, true); }).starts_with("RawFile::store()|pwrite()"));
 }
 
 TEST_F(RawFileTest, AFailedRenamingKeepsBothFiles) {
@@ -225,7 +224,7 @@ TEST_F(RawFileTest, AFailedRenamingKeepsBothFiles) {
         {FileCall::rename, EROFS, fault(label, text, "Access Denied", EROFS), false},
         {FileCall::rename, EIO, fault(label, text, "Cyclic Redundancy Check - Possible Hardware Failure", EIO), false},
         {FileCall::rename, EEXIST, fault(label, stays, "Access Denied", EACCES), false},
-        {FileCall::sync, EIO, fault(label, "FlushFileBuffers() failed.", "Write Fault", EIO), true}};
+        {FileCall::sync, EIO, fault(label, "fsync() failed.", "Write Fault", EIO), true}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.expected);
         test::write_file(target, "good");
@@ -277,7 +276,7 @@ TEST_F(RawFileTest, ClosingKeepsOrRemoves) {
     }
     file = filled();
     files.plan(FileCall::set_length, {EIO});
-    EXPECT_TRUE(fault_of([&] { file->close_and_set_size(1); }).starts_with("RawFile::close_and_set_size()|SetEnd"));
+    EXPECT_TRUE(fault_of([&] { file->close_and_set_size(1); }).starts_with("RawFile::close_and_set_size()|ftruncate"));
     EXPECT_EQ(test::read_file(path), buffer.text());
 }
 

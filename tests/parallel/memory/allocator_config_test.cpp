@@ -95,7 +95,7 @@ TEST(AllocatorMenu, RowsShowAndChangeTheSettings) {
     std::unique_ptr<MemoryAllocator> chosen;
     EXPECT_EQ(printed_with_input("3\n1\n", [&] { chosen = select_allocator(); }), "\n\nSelect a Memory Allocator:\n\n"
                                                                                   "   0    C malloc()\n"
-                                                                                  "   1    WinAPI VirtualAlloc()\n"
+                                                                                  "   1    mmap()\n"
                                                                                   "   2    Node Interleaving\n"
                                                                                   "\noption: option: ");
     EXPECT_EQ(chosen->key(), "mmap");

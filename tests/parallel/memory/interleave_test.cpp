@@ -93,13 +93,13 @@ TEST(Interleave, NodesThatDontExistAreTold) {
     EXPECT_EQ(std::count(all.begin(), all.end(), "Thread 1 failed to bind to node 3000\n"), 1);
     EXPECT_EQ(placement_warnings(*allocation),
               (std::vector<std::string>{"50 pages intended for node 3000 landed on node 0 instead.",
-                                        "Thread 1 VirtualAllocExNuma() error 22, count = 50\n"}));
+                                        "Thread 1 set_mempolicy() error 22, count = 50\n"}));
 }
 
 TEST(Interleave, TheRealSystemProvidesAnAbsentNodesPages) {
     const auto allocation = InterleaveAllocator({4'000'000'000u}).allocate({}, 12, 7 * page);
     ASSERT_NE(allocation->pointer, nullptr);
-    EXPECT_EQ(allocation->record->warnings.at(1), "Thread 0 VirtualAllocExNuma() error 22, count = 7\n");
+    EXPECT_EQ(allocation->record->warnings.at(1), "Thread 0 set_mempolicy() error 22, count = 7\n");
 }
 
 TEST(Interleave, AnAbsentNodesWorkerStaysOnTheCoreOfItsStarter) {
@@ -139,7 +139,7 @@ TEST(Interleave, FailedQueriesAreToldAndDontCount) {
     InterleaveAllocator allocator({0}, system);
     const auto allocation = allocator.allocate({}, 12, 600 * page);
     EXPECT_EQ(placement_warnings(*allocation),
-              std::vector<std::string>{"Thread 0 QueryWorkingSetEx() error 14, count = 200\n"});
+              std::vector<std::string>{"Thread 0 move_pages() error 14, count = 200\n"});
     EXPECT_EQ(allocation->record->nodes, (NodeBytes{{0, 400 * page}}));
 }
 

@@ -30,7 +30,7 @@ TEST(ParallelizationSettings, SaveAndLoadGiveTheSameSettings) {
         {R"(TaskDecomposition : 65536 Framework : "pushpool" WorkerThreads : 0 Randomization : "true" )"
          R"(MaxSequentialDispatch : 64)",
          "Push Pool  ->  9 / 0  (randomization on)"},
-        {R"(TaskDecomposition : 6 Framework : "winpool" MaxSequentialDispatch : 4)", "Windows Thread Pool  ->  9 / ?"},
+        {R"(TaskDecomposition : 6 Framework : "winpool" MaxSequentialDispatch : 4)", "System Work Queue  ->  9 / ?"},
     };
     for (const auto& c : cases) {
         const ParallelizationSettings settings = loaded("{" + c.saved + "}");
