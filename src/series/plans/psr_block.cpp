@@ -56,8 +56,7 @@ void PSR_BlockB<Family>::sum(const MultiplyParameters& pars, StatusNode* status,
     const std::size_t end = block.is_last ? Fold::last_checked_end : Family::results;
     if (is_aggressive()) {
         block.run(pars, status, numbers);
-        for (std::size_t i = first; i < end; ++i) numbers[i].check_hash(function, pars);
-        return;
+        return zvc_Verify_BSR(block.a, block.b, std::span<const BigFloat>(numbers).subspan(first, end - first), pars);
     }
     typename BSR_BlockB<Family>::ExactNumbers exact = as_exact_targets(numbers);
     block.run(pars, status, exact);

@@ -13,4 +13,7 @@ namespace zvp::BinarySplitting {
 /// 2^61 - 1. Cost: a pass over the words, as min(tds, ..) tasks. A wrong word passes with a chance of 2^-61.
 void zvc_Verify_BSR(std::uint64_t a, std::uint64_t b, std::span<const ExactNumber> numbers, const ParallelContext& ctx);
 
+/// The same for truncated numbers that are watched; others pass.
+void zvc_Verify_BSR(std::uint64_t a, std::uint64_t b, std::span<const BigFloat> numbers, const ParallelContext& ctx);
+
 } // namespace zvp::BinarySplitting
