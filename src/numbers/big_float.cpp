@@ -65,9 +65,12 @@ void BigFloat::watch(const ParallelContext& ctx) {
     watched = true;
 }
 
+bool BigFloat::matches_hash(const ParallelContext& ctx) const {
+    return watched && normalize_hash(hash) == bp_hash(0, T, L, ctx);
+}
+
 void BigFloat::check_hash(const char* function, const ParallelContext& ctx) const {
-    if (watched && !is_dry(T) && normalize_hash(hash) != bp_hash(0, T, L, ctx))
-        throw AlgorithmFailedException(function, "Number Hash Mismatch");
+    if (watched && !is_dry(T) && !matches_hash(ctx)) throw AlgorithmFailedException(function, "Number Hash Mismatch");
 }
 
 std::uint64_t BigFloat::hash_of_top(std::size_t n, const ParallelContext& ctx) const {

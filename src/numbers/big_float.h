@@ -177,6 +177,9 @@ public:
     /// have its residue. One pass over them.
     void check_hash(const char* function, const ParallelContext& ctx) const;
 
+    /// Whether the number is watched and its words have its residue. One pass over them.
+    bool matches_hash(const ParallelContext& ctx) const;
+
     /// The residue of the top min(n, L) words of a watched number: what is left of `hash`. One pass over the others.
     std::uint64_t hash_of_top(std::size_t n, const ParallelContext& ctx) const;
 

@@ -119,6 +119,11 @@ std::uint64_t ExactFloat<Word>::residue(const ParallelContext& ctx) const {
     return sign ? shifted : hash_negate(shifted);
 }
 
+template <class Word>
+bool ExactFloat<Word>::matches_hash(const ParallelContext& ctx) const {
+    return normalize_hash(hash) == normalize_hash(residue(ctx));
+}
+
 template class ExactFloat<c32i>;
 template class ExactFloat<c64i>;
 

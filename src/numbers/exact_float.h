@@ -97,6 +97,9 @@ public:
     /// normalize_hash(hash) unless something is damaged.
     std::uint64_t residue(const ParallelContext& ctx) const;
 
+    /// Whether the words have the residue that `hash` says. One pass over them.
+    bool matches_hash(const ParallelContext& ctx) const;
+
     /// The position above the top word.
     std::int64_t top() const { return exp + static_cast<std::int64_t>(L); }
 

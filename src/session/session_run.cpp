@@ -4,6 +4,7 @@
 #include "app/console/linear_console_status.h"
 #include "app/console/number_forms.h"
 #include "app/console/process_switches.h"
+#include "app/console/recovered_errors.h"
 #include "app/console/run_watch.h"
 #include "app/console/unbuilt.h"
 #include "parallel/memory/carving.h"
@@ -173,6 +174,10 @@ BigFloat SessionRun::compute_number(AlignedBufferC<64>& rest) {
 
 void SessionRun::report_end() {
     print_run_times(session.times, session.parallelism->logical_cores);
+    if (const std::uint64_t count = recovered_errors(); count > 0) {
+        sink.print_line("Recovered Errors: " + format_number(count, NumberForm::commas), 'R');
+        log.log("Recovered Errors: " + format_number(count, NumberForm::commas));
+    }
     for (const std::optional<DigitResult>* result : {&digits.decimal, &digits.hexadecimal})
         if (*result) print_last_digits((*result)->last, session);
     print_line();

@@ -3,6 +3,7 @@
 #include "app/failure/exceptions.h"
 #include "digits/hash/hash_field.h"
 #include "multiply/words/parallel_words.h"
+#include "numbers/transforms/product_repair.h"
 #include "numbers/transforms/product_window.h"
 #include "numbers/transforms/transform_check.h"
 
@@ -190,7 +191,8 @@ void BigFloatTransformR::sqr_r_x(const MultiplyParameters& pars, const Transform
     const Operand a(function, tr, A, p, pars);
     Product product(function, tr, T, range_at(p, a, a), a, a);
     if (product.empty()) return set_zero(T);
-    tr.at(M).sqr_r_x(pars, M, product.words(), product.s(), product.e(), X, a.T, a.L);
+    multiply_repaired(function, T, A, A, pars,
+                      [&] { tr.at(M).sqr_r_x(pars, M, product.words(), product.s(), product.e(), X, a.T, a.L); });
     product.finish(true, pars, tr, M, a.residue, a.residue);
 }
 
@@ -204,7 +206,9 @@ void BigFloatTransformR::sqr_rx_xf(const MultiplyParameters& pars, const Transfo
         out = make_form(pars, tr, M, a, Xf);
         return set_zero(T);
     }
-    tr.at(M).sqr_rx_xf(pars, M, product.words(), product.s(), product.e(), Xd, Xf, a.T, a.L);
+    multiply_repaired(function, T, A, A, pars, [&] {
+        tr.at(M).sqr_rx_xf(pars, M, product.words(), product.s(), product.e(), Xd, Xf, a.T, a.L);
+    });
     out = describe(tr, a, Xf);
     product.finish(true, pars, tr, M, a.residue, a.residue);
 }
@@ -235,7 +239,9 @@ void BigFloatTransformR::mul_rr_xf(const MultiplyParameters& pars, const Transfo
         out = make_form(pars, tr, M, b, Xb);
         return set_zero(T);
     }
-    tr.at(M).mul_rr_xf(pars, M, product.words(), product.s(), product.e(), Xa, a.T, a.L, Xb, b.T, b.L);
+    multiply_repaired(function, T, A, B, pars, [&] {
+        tr.at(M).mul_rr_xf(pars, M, product.words(), product.s(), product.e(), Xa, a.T, a.L, Xb, b.T, b.L);
+    });
     out = describe(tr, b, Xb);
     product.finish(a.sign == b.sign, pars, tr, M, a.residue, b.residue);
 }
@@ -248,7 +254,9 @@ void BigFloatTransformR::mul_rr_xx(const MultiplyParameters& pars, const Transfo
     const Operand b(function, tr, B, pB, pars);
     Product product(function, tr, T, range_of(ie, te), a, b);
     if (product.empty()) return set_zero(T);
-    tr.at(M).mul_rr_xx(pars, M, product.words(), product.s(), product.e(), Xa, a.T, a.L, Xb, b.T, b.L);
+    multiply_repaired(function, T, A, B, pars, [&] {
+        tr.at(M).mul_rr_xx(pars, M, product.words(), product.s(), product.e(), Xa, a.T, a.L, Xb, b.T, b.L);
+    });
     product.finish(a.sign == b.sign, pars, tr, M, a.residue, b.residue);
 }
 

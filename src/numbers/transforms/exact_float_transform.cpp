@@ -3,6 +3,7 @@
 #include "app/failure/exceptions.h"
 #include "digits/hash/hash_field.h"
 #include "multiply/words/parallel_words.h"
+#include "numbers/transforms/product_repair.h"
 #include "numbers/transforms/transform_check.h"
 
 #include <algorithm>
@@ -130,7 +131,9 @@ void multiply_rr_keeping(const char* function, const MultiplyParameters& pars, c
         out = make_form(pars, tr, M, b, Xb);
         return product.set_zero();
     }
-    tr.at(M).mul_rr_xf(pars, M, product.words(), product.s, product.e, Xa, a.T, a.L, Xb, b.T, b.L);
+    multiply_repaired(function, T, A, B, pars, [&] {
+        tr.at(M).mul_rr_xf(pars, M, product.words(), product.s, product.e, Xa, a.T, a.L, Xb, b.T, b.L);
+    });
     out = describe(tr, b, Xb);
     product.finish(pars);
 }
@@ -143,7 +146,9 @@ void multiply_rr(const char* function, const MultiplyParameters& pars, const Tra
     const Operand<Word> b(function, tr, B);
     Product<Word> product(function, &tr, T, low, a, b);
     if (product.empty()) return product.set_zero();
-    tr.at(M).mul_rr_xx(pars, M, product.words(), product.s, product.e, Xa, a.T, a.L, Xb, b.T, b.L);
+    multiply_repaired(function, T, A, B, pars, [&] {
+        tr.at(M).mul_rr_xx(pars, M, product.words(), product.s, product.e, Xa, a.T, a.L, Xb, b.T, b.L);
+    });
     product.finish(pars);
 }
 
@@ -193,7 +198,8 @@ void ExactFloatTransformR<Word>::sqr_r_x(const MultiplyParameters& pars, const T
     const Operand<Word> a(function, tr, A);
     Product<Word> product(function, &tr, T, whole, a, a);
     if (product.empty()) return product.set_zero();
-    tr.at(M).sqr_r_x(pars, M, product.words(), product.s, product.e, X_area, a.T, a.L);
+    multiply_repaired(function, T, A, A, pars,
+                      [&] { tr.at(M).sqr_r_x(pars, M, product.words(), product.s, product.e, X_area, a.T, a.L); });
     product.finish(pars);
 }
 
@@ -207,7 +213,8 @@ void ExactFloatTransformR<Word>::sqr_rx_xf(const MultiplyParameters& pars, const
         out = make_form(pars, tr, M, a, Xf);
         return product.set_zero();
     }
-    tr.at(M).sqr_rx_xf(pars, M, product.words(), product.s, product.e, Xd, Xf, a.T, a.L);
+    multiply_repaired(function, T, A, A, pars,
+                      [&] { tr.at(M).sqr_rx_xf(pars, M, product.words(), product.s, product.e, Xd, Xf, a.T, a.L); });
     out = describe(tr, a, Xf);
     product.finish(pars);
 }

@@ -1,5 +1,6 @@
 // Watched numbers: the residue that follows from the operands is that of the words, unless something went wrong.
 
+#include "app/console/recovered_errors.h"
 #include "app/failure/exceptions.h"
 #include "multiply/tables/algorithm_table.h"
 #include "numbers/big_float_support.h"
@@ -191,6 +192,83 @@ TEST(WatchedFloats, AFlippedBitInAnOperandOrAKeptFormIsFoundOut) {
         EXPECT_GT(operands, 20) << n;
         EXPECT_GT(forms, 0) << n;
     }
+}
+
+/// Fails its first products, as the check of a transform does.
+class FailingTransform final : public zvp::Transform {
+public:
+    FailingTransform(const zvp::Transform& right_, int failures_) : right(right_), failures(failures_) {
+        capacity_bits = right.capacity_bits;
+        transform_bytes = right.transform_bytes;
+        scratch_bytes = right.scratch_bytes;
+    }
+    const char* name() const override { return right.name(); }
+    using Pars = const zvp::MultiplyParameters&;
+    using c32i = zvp::c32i;
+    using c64i = zvp::c64i;
+    void forward(Pars p, std::byte* M, std::byte* X, const c32i* A, std::size_t AL) const override {
+        right.forward(p, M, X, A, AL);
+    }
+    void forward(Pars p, std::byte* M, std::byte* X, const c64i* A, std::size_t AL) const override {
+        right.forward(p, M, X, A, AL);
+    }
+    void inverse_fsqr(Pars p, std::byte* M, std::byte* Xd, std::byte* Xs, c32i* T, std::size_t s,
+                      std::size_t e) const override {
+        right.inverse_fsqr(p, M, Xd, Xs, T, s, e);
+        fail();
+    }
+    void inverse_fsqr(Pars, std::byte*, std::byte*, std::byte*, c64i*, std::size_t, std::size_t) const override {}
+    void inverse_fmul(Pars p, std::byte* M, std::byte* Xa, const std::byte* Xb, c32i* T, std::size_t s,
+                      std::size_t e) const override {
+        right.inverse_fmul(p, M, Xa, Xb, T, s, e);
+        fail();
+    }
+    void inverse_fmul(Pars, std::byte*, std::byte*, const std::byte*, c64i*, std::size_t, std::size_t) const override {}
+    bool compatible(const Transform& other) const override { return right.compatible(other); }
+    std::optional<std::uint64_t> left_out(const std::byte* M, std::size_t length, std::size_t s,
+                                          std::size_t e) const override {
+        return right.left_out(M, length, s, e);
+    }
+
+private:
+    void fail() const {
+        if (failures-- > 0) throw zvp::ConvolutionFailedException("product", "Modular redundancy check failed.");
+    }
+
+    const zvp::Transform& right;
+    mutable int failures;
+};
+
+TEST(WatchedFloats, AProductThatFailsOnceIsMadeAgainFromIntactOperands) {
+    std::mt19937_64 random(seed());
+    const std::size_t n = 3000;
+    Products products(n, 1);
+    Number A = random_number(random, n), B = random_number(random, n - 100);
+    A.f.watch(products.pars);
+    B.f.watch(products.pars);
+    const TransformHelper h(products.pars, 2 * n, 2);
+    const auto multiply = [&](BigFloat& T, int failures) {
+        const FailingTransform failing(h.transform(), failures);
+        BigFloatTransformR::mul_rr_xx(h.pars(), failing, h.M(), T, A.f.exp + B.f.exp, A.f.top() + B.f.top(), h.form(0),
+                                      A.f, n, h.form(1), B.f, n);
+    };
+    Number right(2 * n), T(2 * n);
+    multiply(right.f, 0);
+    const std::uint64_t before = zvp::recovered_errors();
+    testing::internal::CaptureStdout();
+    multiply(T.f, 1);
+    EXPECT_NE(testing::internal::GetCapturedStdout().find(
+                  "BigFloatTransformR::mul_rr_xx(): a product of 3,000 x 2,900 words"),
+              std::string::npos);
+    EXPECT_EQ(words_of(T.f), words_of(right.f));
+    EXPECT_EQ(zvp::recovered_errors(), before + 1);
+
+    testing::internal::CaptureStdout();
+    EXPECT_THROW(multiply(T.f, 2), zvp::ConvolutionFailedException);
+    testing::internal::GetCapturedStdout();
+    A.f.T[17] ^= 4; // an operand that was damaged
+    EXPECT_THROW(multiply(T.f, 1), zvp::ConvolutionFailedException);
+    EXPECT_EQ(zvp::recovered_errors(), before + 2);
 }
 
 } // namespace
