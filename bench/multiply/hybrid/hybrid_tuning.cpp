@@ -2,10 +2,16 @@
 //
 // The time of a product is modelled as 2^k * (ring product + passes + output) from measured parts: the ring product of
 // every ring size, a radix-4 step with its three rotations, a radix-2 step, and the way out of a coefficient, for several
-// sizes between which the time per word is interpolated. Rows whose roots need √2 are left out. A row stays when no row of more capacity takes less time: so no
-// product is slower than a longer one by more than the model errs. Time is that of this thread alone, so that
-// neighbours disturb little; minima of several rounds.
+// sizes between which the time per word is interpolated. Rows whose roots need √2 are left out. A row stays when no row of
+// more capacity takes less time: so no product is slower than a longer one by more than the model errs. Time is that of
+// this thread alone, so that neighbours disturb little; minima of several rounds.
+//
+// With the parameter "limits": the algorithms of algorithm_lists.cpp beside each other around their limits.
 
+#include "multiply/algorithms/bkt_algorithm.h"
+#include "multiply/algorithms/fft_algorithm.h"
+#include "multiply/algorithms/hnt_algorithm.h"
+#include "multiply/contract/multiply_tables.h"
 #include "multiply/hybrid/element_passes.h"
 #include "support/large_block.h"
 
@@ -60,6 +66,9 @@ Parts measure_parts(const FftTables& tables, std::size_t n) {
     const LargeBlock M(std::max<std::uint64_t>(size.scratch_bytes, 16 * size.stride)), X(size.transform_bytes);
     const HybridJob job{size, ring_kernels(tables.kernel_set()), tables, {}, M.get()};
     auto* const x = reinterpret_cast<RingWord*>(X.get());
+    std::mt19937 random(1); // equal elements would differ by zeros, through which borrows run
+    for (std::size_t i = 0; i < size.transform_bytes / 4; ++i) x[i] = static_cast<RingWord>(random());
+    for (std::size_t i = 0; i < 64; ++i) x[i * size.stride + n] = 0;
     const TaskScratch scratch{M.get()};
     Parts parts;
     parts.quad = least([&] { forward_levels(job, {x, size.stride, 4, 1, 4}, scratch); }) / 8; // two levels of four
@@ -146,9 +155,42 @@ std::vector<HybridRow> candidates(const Model& model) {
     return rows;
 }
 
+/// How many times as long `first` takes for products and squares as `second`.
+void compare(const MultiplyAlgorithm<c64i>& first, const MultiplyAlgorithm<c64i>& second,
+             std::initializer_list<std::size_t> bits) {
+    const MultiplyAlgorithm<c64i>* const both[2]{&first, &second};
+    std::mt19937_64 random(1);
+    std::printf("bits: times of %s / %s, product and square\n", first.id, second.id);
+    for (const std::size_t length : bits) {
+        const std::size_t n = length / 128;
+        std::vector<c64i> a(n), b(n), product(2 * n);
+        for (std::size_t i = 0; i < n; ++i) a[i] = random(), b[i] = random();
+        MultiplyTables tables;
+        for (const auto* algorithm : both) algorithm->ensure_tables(tables, 2 * n);
+        const LargeBlock roots(tables.bytes());
+        tables.place(roots.get());
+        double seconds[2][2];
+        for (int i = 0; i < 2; ++i) {
+            const std::uint64_t bytes = both[i]->total(2 * n, 1);
+            const LargeBlock M(bytes);
+            const MultiplyParameters pars{{1, nullptr}, nullptr, &tables, M.get(), bytes};
+            seconds[i][0] = least([&] { both[i]->mul(pars, product.data(), 0, 2 * n, a.data(), n, b.data(), n); });
+            seconds[i][1] = least([&] { both[i]->sqr(pars, product.data(), 0, 2 * n, a.data(), n); });
+        }
+        std::printf("%9zu: %.3f %.3f\n", length, seconds[0][0] / seconds[1][0], seconds[0][1] / seconds[1][1]);
+    }
+}
+
+void compare_algorithms() {
+    compare(bkt_algorithm<c64i>(), fft_algorithm<c64i>(),
+            {3200, 3840, 4480, 5120, 5760, 6400, 7040, 7680, 8960, 10240, 11520, 12800, 14080, 15360});
+    compare(fft_algorithm<c64i>(), hnt_algorithm<c64i>(), {1 << 22, 1 << 23, 12 << 20, 14680064});
+}
+
 } // namespace
 
-int main() {
+int main(int count, char** values) {
+    if (count > 1 && std::strcmp(values[1], "limits") == 0) return compare_algorithms(), 0;
     const Model model;
     std::printf("// words: microseconds of a radix-4 step, a radix-2 step, a coefficient out, a ring product\n");
     for (const auto& [n, p] : model.pass_parts()) {
