@@ -4,6 +4,8 @@
 
 #include "digits/digest/sha2.h"
 
+#include <algorithm>
+
 namespace {
 
 using namespace test;
