@@ -2,6 +2,7 @@
 
 #include "app/console/console.h"
 #include "app/failure/exceptions.h"
+#include "app/notation/nearest_word.h"
 #include "app/notation/typed_values.h"
 #include "session/session_holder.h"
 
@@ -11,10 +12,13 @@ namespace {
 
 using namespace zvp;
 using Line = ::CommandLine::CommandLine;
+using ::CommandLine::nearest_word_hint;
+using ::CommandLine::with_hint;
 
 void take_mode(CustomRequest& request, Line& line) {
     if (line.value() != "ram" && line.value() != "swap")
-        throw InvalidParametersException("", "Invalid Mode: " + line.value());
+        throw InvalidParametersException("", "Invalid Mode: " + line.value()
+                                                 + nearest_word_hint(line.value(), {"ram", "swap"}));
     request.swap_mode = line.take_value() == "swap";
 }
 
@@ -59,7 +63,9 @@ namespace {
 /// Fills the session's settings with what the command line asks for.
 void apply_constant(const CustomRequest& request, ConstantSettings& settings) {
     settings.set_constant(make_constant(request.constant, request.argument));
-    if (request.algorithm) settings.constant->set_algorithm(*request.algorithm);
+    if (request.algorithm)
+        with_hint(*request.algorithm, settings.constant->algorithm_keys(),
+                  [&] { settings.constant->set_algorithm(*request.algorithm); });
     if (request.decimal_digits) settings.set_decimal_digits(*request.decimal_digits);
     if (request.hexadecimal_digits) settings.set_hexadecimal_digits(*request.hexadecimal_digits);
     if (request.verify_output) settings.verify_output = *request.verify_output;
@@ -97,7 +103,7 @@ void custom_action(Line& line) {
     request.constant = line.key();
     if (line.has_value()) request.argument = line.value();
     line.advance();
-    constant_id(request.constant); // refuses a name that isn't one
+    with_hint(request.constant, constant_names(), [&] { constant_id(request.constant); }); // refuses what is none
     CommandLine::apply_options(custom_options(), request, line);
     check_swap_options(request);
 

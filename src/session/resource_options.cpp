@@ -1,6 +1,7 @@
 #include "session/resource_options.h"
 
 #include "app/failure/exceptions.h"
+#include "app/notation/nearest_word.h"
 #include "app/notation/typed_values.h"
 #include "parallel/memory/allocator_registry.h"
 #include "parallel/tasks/parallelization_settings.h"
@@ -24,12 +25,14 @@ void check_swap_options(const ResourceRequest& request) {
 }
 
 void take_allocator(ResourceRequest& request, CommandLine::CommandLine& line) {
-    zvp::make_allocator(line.value()); // refuses a name that isn't one
+    CommandLine::with_hint(line.value(), zvp::allocator_registry().names(),
+                           [&] { zvp::make_allocator(line.value()); }); // refuses a name that isn't one
     request.allocator = line.take_value();
 }
 
 void take_framework(ResourceRequest& request, CommandLine::CommandLine& line) {
-    zvp::make_framework_config(line.value()); // refuses a name that isn't one
+    CommandLine::with_hint(line.value(), zvp::framework_registry().names(),
+                           [&] { zvp::make_framework_config(line.value()); }); // refuses a name that isn't one
     request.framework = line.take_value();
 }
 

@@ -4,6 +4,7 @@
 #include "functions/fault_node.h"
 #include "functions/functions_support.h"
 
+#include <algorithm>
 #include <regex>
 
 namespace {

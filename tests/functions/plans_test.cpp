@@ -2,6 +2,8 @@
 #include "functions/functions_support.h"
 #include "support/program.h"
 
+#include <algorithm>
+
 namespace {
 
 using namespace test;

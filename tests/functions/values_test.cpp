@@ -1,5 +1,7 @@
 #include "functions/functions_support.h"
 
+#include <cstdlib>
+
 namespace {
 
 using namespace test;

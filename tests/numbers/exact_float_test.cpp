@@ -2,6 +2,8 @@
 #include "numbers/exact_support.h"
 #include "support/heap_calls.h"
 
+#include <algorithm>
+
 namespace {
 
 using namespace test;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <sstream>
 
 namespace {
@@ -134,6 +135,43 @@ TEST(Custom, APathWithoutAccessIsFoundOutAfterTheComputation) {
     EXPECT_EQ(result.exit_code, 1);
     EXPECT_NE(result.output.find(invalid("Path is not writable.")), std::string::npos) << result.output;
     EXPECT_EQ(result.output.find("Begin Computation"), std::string::npos) << result.output;
+}
+
+TEST(Interrupt, CtrlCTellsWhatWasRunning) {
+    const TemporaryFolder folder;
+    ProgramRun run = zorvane("custom pi -dec:100m -od:0");
+    run.working_directory = folder.path;
+    run.terminal = true;
+    const ProgramResult result = run_and_act(run, "Series CommonP2B3...", [](int process) { kill(process, SIGINT); });
+    EXPECT_EQ(result.exit_code, 130) << describe(run, result);
+    const std::regex line("Interrupted: Pi, in \"Series CommonP2B3.*\", after \\d+\\.\\d{3} seconds .*\r\n\x1b\\[0m$");
+    EXPECT_TRUE(std::regex_search(result.output, line)) << describe(run, result);
+}
+
+TEST(Interrupt, BeforeARunItEndsTheProcess) {
+    ProgramRun run = zorvane("custom");
+    run.terminal = true;
+    const ProgramResult result = run_and_act(run, "option: ", [](int process) { kill(process, SIGINT); });
+    EXPECT_EQ(result.signal, SIGINT) << describe(run, result);
+}
+
+TEST(FullDisk, CostsNoDigitsAndNamesTheFile) {
+    const TemporaryFolder folder;
+    ProgramRun run;
+    run.arguments = {"/bin/sh", "-c", "trap '' XFSZ; ulimit -f 200; exec \"$0\" custom pi -dec:300k -hex:0",
+                     ZORVANE_PROGRAM};
+    run.working_directory = folder.path;
+    const ProgramResult result = run_program(run);
+    EXPECT_EQ(result.exit_code, 1) << describe(run, result);
+    for (const char* line :
+         {"The digits couldn't be written as a whole. What could be written is kept:\n"
+          "    Pi - Dec - Chudnovsky.txt\nFree some disk space",
+          "6833548515 8606931459 7838528361 6945633618 6314956895  : 300,000\n", "Spot Check: Good through 200,000\n",
+          "Path:   Pi - Dec - Chudnovsky.txt\n", "Disk is Full"})
+        EXPECT_NE(result.output.find(line), std::string::npos) << line << describe(run, result);
+    const std::string kept = read_file(folder.path / "Pi - Dec - Chudnovsky.txt");
+    EXPECT_TRUE(kept.starts_with("3.14159265358979")) << kept.size();
+    EXPECT_LT(kept.size(), 300'000u);
 }
 
 TEST(CustomMenu, AComputationDoesNotStart) {

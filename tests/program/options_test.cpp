@@ -14,11 +14,17 @@ using Lines = std::vector<std::string>;
 const std::string long_number(5000, '9');
 
 /// Each command line ends with code 1 and exactly this output behind the start-up lines, in which "@" stands
-/// for the last word of the command line, and "#" for that word's value.
+/// for the last word of the command line, and "#" for that word's value. A nearest word may be shown.
 void expect_end(const std::string& expected, const Lines& lines) {
+    const std::regex hint("Did you mean \"[^\"]*\"\\?\n");
     for (const std::string& line : lines) {
         const std::string word = line.substr(line.rfind(' ') + 1);
-        expect_output(zorvane(line), replaced(replaced(expected, "@", word), "#", word.substr(word.find(':') + 1)));
+        const ProgramRun run = zorvane(line);
+        const ProgramResult result = run_program(run);
+        EXPECT_EQ(std::regex_replace(behind_start_up(result), hint, ""),
+                  replaced(replaced(expected, "@", word), "#", word.substr(word.find(':') + 1)))
+            << describe(run, result);
+        EXPECT_EQ(result.exit_code, 1) << describe(run, result);
     }
 }
 

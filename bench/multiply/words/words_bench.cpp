@@ -9,6 +9,7 @@
 #include <benchmark/benchmark.h>
 #include <gmp.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <random>

@@ -1,7 +1,7 @@
 #include "app/entry/actions.h"
 
-#include "app/console/console.h"
 #include "app/entry/config_action.h"
+#include "app/entry/help.h"
 #include "app/menus/about_screen.h"
 #include "app/menus/advanced_menu.h"
 #include "app/menus/main_menu.h"
@@ -34,10 +34,7 @@ const zvp::Registry<Action>& action_table() {
 
 void run_action(Line& line) {
     const Action* action = action_table().find(line.key());
-    if (!action) {
-        zvp::print_line("Invalid Parameter: " + line.parameter(), 'R');
-        zvp::fatal_stop();
-    }
+    if (!action) reject_action(line.parameter());
     line.advance();
     (*action)(line);
 }

@@ -6,6 +6,7 @@
 #include "app/entry/config_action.h"
 #include "app/entry/crash_report.h"
 #include "app/entry/global_options.h"
+#include "app/entry/help.h"
 #include "app/entry/startup_checks.h"
 #include "app/failure/exception_registry.h"
 #include "app/menus/main_menu.h"
@@ -54,6 +55,7 @@ void build_tables() {
 /// Start-up behind the command line, and the action.
 void run_guarded(CommandLine::CommandLine& line) {
     global_options().scan(zvp::process_switches(), line);
+    if (answer_help(line)) return;
     install_crash_filter();
     apply_priority();
     run_startup_checks();

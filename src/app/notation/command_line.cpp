@@ -1,6 +1,7 @@
 #include "app/notation/command_line.h"
 
 #include "app/failure/exceptions.h"
+#include "app/notation/nearest_word.h"
 
 namespace CommandLine {
 
@@ -33,8 +34,9 @@ const std::string& CommandLine::take_parameter() {
     return taken;
 }
 
-void reject_parameter(const CommandLine& line) {
-    throw zvp::InvalidParametersException("", "Invalid Command: " + line.parameter());
+void reject_parameter(const CommandLine& line, const std::vector<std::string>& known) {
+    throw zvp::InvalidParametersException("", "Invalid Command: " + line.parameter()
+                                                  + nearest_word_hint(line.key(), known));
 }
 
 } // namespace CommandLine

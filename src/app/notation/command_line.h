@@ -74,18 +74,21 @@ public:
         }
     }
 
+    const std::vector<std::string>& names() const { return handlers.names(); }
+
 private:
     zvp::Registry<Handler> handlers;
 };
 
-/// Raises InvalidParametersException with "Invalid Command: " and the parameter under the cursor.
-[[noreturn]] void reject_parameter(const CommandLine& line);
+/// Raises InvalidParametersException with "Invalid Command: " and the parameter under the cursor, and the nearest of the
+/// words that are known.
+[[noreturn]] void reject_parameter(const CommandLine& line, const std::vector<std::string>& known = {});
 
 /// scan() for a table that must take all that remains; another word is rejected.
 template <class Target>
 void apply_options(const OptionTable<Target>& table, Target& target, CommandLine& line) {
     table.scan(target, line);
-    if (!line.at_end()) reject_parameter(line);
+    if (!line.at_end()) reject_parameter(line, table.names());
 }
 
 } // namespace CommandLine

@@ -19,6 +19,12 @@ void Constant::set_algorithm(std::string_view algorithm_key) {
     throw InvalidParametersException("", "Invalid Algorithm: " + std::string(algorithm_key));
 }
 
+std::vector<std::string> Constant::algorithm_keys() const {
+    std::vector<std::string> keys;
+    for (const ConstantAlgorithm& choice : traits.algorithms) keys.emplace_back(choice.key);
+    return keys;
+}
+
 std::unique_ptr<ConstantPlanB> Constant::make_plan(MultiplyTables&, std::uint32_t) const { return nullptr; }
 
 Object Constant::to_config_object() const {

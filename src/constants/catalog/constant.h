@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zvp {
 
@@ -70,6 +71,8 @@ public:
 
     /// Another key raises "Invalid Algorithm: " and the key.
     void set_algorithm(std::string_view algorithm_key);
+
+    std::vector<std::string> algorithm_keys() const;
 
     /// Lets the user choose an algorithm.
     void algorithm_menu();

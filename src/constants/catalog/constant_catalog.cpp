@@ -65,12 +65,26 @@ void print_catalog() {
 
 std::span<const CatalogRow> catalog_rows() { return rows; }
 
-std::int32_t constant_id(std::string_view name) {
-    static const std::map<std::string_view, std::int32_t> ids{
+namespace {
+
+const std::map<std::string_view, std::int32_t>& ids() {
+    static const std::map<std::string_view, std::int32_t> map{
         {"sqrt", 0},    {"goldenratio", 1}, {"e", 2},          {"pi", 3},    {"log", 4},   {"apery", 5},  {"zeta3", 5},
         {"zeta(3)", 5}, {"catalan", 6},     {"lemniscate", 7}, {"gamma", 8}, {"brent", 9}, {"custom", 10}};
-    const auto found = ids.find(name);
-    if (found == ids.end()) throw InvalidParametersException("", "Invalid Constant: " + std::string(name));
+    return map;
+}
+
+} // namespace
+
+std::vector<std::string> constant_names() {
+    std::vector<std::string> names;
+    for (const auto& entry : ids()) names.emplace_back(entry.first);
+    return names;
+}
+
+std::int32_t constant_id(std::string_view name) {
+    const auto found = ids().find(name);
+    if (found == ids().end()) throw InvalidParametersException("", "Invalid Constant: " + std::string(name));
     return found->second;
 }
 

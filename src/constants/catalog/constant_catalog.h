@@ -7,7 +7,9 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace zvp {
 
@@ -28,6 +30,9 @@ std::span<const CatalogRow> catalog_rows();
 /// The id of a name as the command line and configurations have it. Raises InvalidParametersException with "Invalid
 /// Constant: " and the name.
 std::int32_t constant_id(std::string_view name);
+
+/// All names that constant_id() knows.
+std::vector<std::string> constant_names();
 
 /// The key of an id; that of the first row for an unknown id.
 std::string_view constant_key(std::int32_t id);

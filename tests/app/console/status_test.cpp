@@ -1,10 +1,19 @@
 #include "app/console/console.h"
 #include "app/console/linear_console_status.h"
+#include "app/console/linear_network_status.h"
+#include "app/console/run_watch.h"
+#include "app/console/tracked_measurements.h"
+#include "app/failure/child_thread.h"
 #include "app/raised.h"
-#include "support/program.h"
+#include "platform/console_io.h"
+#include "support/process.h"
 
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
+#include <regex>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -123,6 +132,85 @@ TEST(StatusLine, IsRedrawnInPlaceOnATerminal) {
                              "Time:    \x1b[96m1.500 seconds  ( 0.025 minutes )\r\n\x1b[0m"})
         expected += erased + line;
     EXPECT_EQ(output.substr(begin + 2, end - begin - 2), expected);
+}
+
+TEST(NetworkStatus, TheTreeIsWhatTheChainShows) {
+    StatusTreeLock lock;
+    LinearNetworkNode root(lock);
+    root.push_cell({'w', "Sum"});
+    StatusNode& child = root.make_node({'G', "Block"});
+    {
+        StatusIteration& count = child.make_iteration({'w', "(Terms "}, 10, IterationMode::fraction, true);
+        const StatusScope scope(child, count);
+        count.advance(3);
+        count.advance(4);
+        EXPECT_EQ(count.get_completed(), 7u);
+        EXPECT_EQ(raised_by([&] { child.make_node(); }), "StringException: Attempted to fork a linear status chain.");
+        const std::string json = std::regex_replace(root.get_tree().to_json(), std::regex("\\s+"), "");
+        EXPECT_EQ(json, R"x({"Text":[{"Color":"w","Text":"Sum"}],"Children":[)x"
+                        R"x({"Text":[{"Color":"G","Text":"Block"}],"Children":[)x"
+                        R"x({"Text":[{"Color":"w","Text":"(Terms"},{"Color":"G","Text":"7/10)"}],"Children":[]}]}]})x");
+    }
+    EXPECT_EQ(child.get_tree().get_array("Children").size(), 0u);
+}
+
+TEST(Interrupt, NamesTheTaskAndTheFileAndEndsWith130) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            platform::restore_terminal_at_signals();
+            const RunWatch watch("Pi");
+            const FileInProgress file("/disk/Pi.txt");
+            note_running_task("Writing");
+            test::show_output();
+            std::raise(SIGINT);
+            std::this_thread::sleep_for(std::chrono::seconds(10));
+        },
+        testing::ExitedWithCode(130),
+        "^Interrupted: Pi, in \"Writing\", after 0.0.*\nIncomplete file: /disk/Pi.txt\n$");
+}
+
+TEST(Interrupt, OutsideARunItEndsTheProcess) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            platform::restore_terminal_at_signals();
+            { const RunWatch watch("Pi"); }
+            std::raise(SIGINT);
+        },
+        testing::KilledBySignal(SIGINT), "");
+}
+
+TEST(TrackedMeasurements, SumPhasesAndCountNestedOnesOnce) {
+    const auto spend = [] {
+        for (const std::uint64_t end = platform::performance_counter() + 20'000'000;
+             platform::performance_counter() < end;) {
+        }
+    };
+    TrackedMeasurements sum;
+    sum.close(); // of nothing
+    for (int phase = 0; phase < 2; ++phase) {
+        sum.open();
+        sum.open();
+        spend();
+        sum.close();
+        sum.close();
+        spend(); // between the phases
+    }
+    EXPECT_GE(sum.wall_seconds, 0.04);
+    EXPECT_LT(sum.user_seconds + sum.kernel_seconds, sum.wall_seconds + 0.02);
+    EXPECT_LT(sum.wall_seconds, 0.06 + 0.04); // a busy machine may add a time slice
+}
+
+TEST(ChildThread, WhatLeavesItEndsTheProgram) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            test::show_output();
+            run_child_thread([] { throw StringException("f()", "fails"); });
+        },
+        testing::ExitedWithCode(1),
+        "In Function: f\\(\\)\n\nfails\n(\n)*FATAL ERROR: Unhandled exception in child thread.\n");
 }
 
 } // namespace

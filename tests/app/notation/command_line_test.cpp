@@ -58,10 +58,17 @@ TEST(OptionTable, HandlersTakeTheirOwnParameters) {
 
 TEST(OptionTable, RejectsWordsThatAreNotExact) {
     Settings settings;
-    for (const char* word : {"-td:4", "-TD2:4", "Name", ""}) {
+    const std::pair<std::string, std::string> words[] = {{"-td:4", "\nDid you mean \"-TD\"?"},
+                                                         {"-TD2:4", "\nDid you mean \"-TD\"?"},
+                                                         {"Name", "\nDid you mean \"name\"?"},
+                                                         {"nmae", "\nDid you mean \"name\"?"},
+                                                         {"nnaammee", ""},
+                                                         {"x", ""},
+                                                         {"", ""}};
+    for (const auto& [word, hint] : words) {
         CommandLine line({"zorvane", "-TD:1", word});
         EXPECT_EQ(raised_by([&] { apply_options(options(), settings, line); }),
-                  std::string("InvalidParametersException: Invalid Command: ") + word);
+                  "InvalidParametersException: Invalid Command: " + word + hint);
     }
 }
 

@@ -4,6 +4,8 @@
 #include "digits/text/digit_characters.h"
 #include "digits/text/text_support.h"
 
+#include <algorithm>
+
 namespace {
 
 using namespace test;

@@ -2,6 +2,7 @@
 
 #include "digits/text/text_support.h"
 
+#include <algorithm>
 #include <thread>
 
 namespace {

@@ -4,6 +4,8 @@
 
 #include "digits/digest/sha2.h"
 
+#include <algorithm>
+
 namespace {
 
 using namespace test;
@@ -226,7 +228,9 @@ TEST(FloatWriter, AFolderThatTakesNoFile) {
     DigitOutput output;
     output.path = "/nowhere at all/";
     Writing writing(output, true, true, 500, 400, 0, 1);
-    EXPECT_EQ(writing.fault(Number({0x243f6a88, 3}, -1).f),
+    EXPECT_EQ(writing.fault(Number({0x243f6a88, 3}, -1).f), "nothing"); // the digits are proved without their file
+    ASSERT_NE(writing.results.decimal->write_fault, nullptr);
+    EXPECT_EQ(fault_of([&] { writing.results.decimal->write_fault->fire(); }),
               fault("RawFile()", "Unable to create file.", "Path does not exist.", ENOENT));
 }
 

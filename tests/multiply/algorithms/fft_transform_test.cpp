@@ -7,6 +7,7 @@
 #include "multiply/contract/multiply_tables.h"
 #include "support/seed.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 

@@ -9,7 +9,10 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <cstring>
 
 using namespace zvp;
 using namespace test;

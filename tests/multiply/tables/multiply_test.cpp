@@ -8,6 +8,7 @@
 #include "support/heap_calls.h"
 #include "support/seed.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 

@@ -6,6 +6,7 @@
 #include "operands.h"
 
 #include <functional>
+#include <numeric>
 
 namespace {
 

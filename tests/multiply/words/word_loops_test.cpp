@@ -6,6 +6,7 @@
 #include "operands.h"
 
 #include <array>
+#include <numeric>
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include "series/splitting/verify.h"
 #include "splitting_support.h"
 
+#include <algorithm>
 #include <iostream>
 
 namespace {
