@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <sstream>
+#include <unistd.h>
 
 namespace {
 
@@ -135,6 +136,32 @@ TEST(Custom, APathWithoutAccessIsFoundOutAfterTheComputation) {
     EXPECT_EQ(result.exit_code, 1);
     EXPECT_NE(result.output.find(invalid("Path is not writable.")), std::string::npos) << result.output;
     EXPECT_EQ(result.output.find("Begin Computation"), std::string::npos) << result.output;
+}
+
+TEST(LockedMemory, ALowLimitIsToldOnceAndOnlyWhereItCostsSomething) {
+    const auto run = [](const char* allocator) {
+        ProgramRun limited;
+        limited.arguments = {"/bin/sh", "-c",
+                             std::string("ulimit -l 64; exec ")
+                                 + (geteuid() == 0 ? "setpriv --bounding-set=-ipc_lock,-sys_resource \"$0\"" : "\"$0\"")
+                                 + " custom e -dec:1m -hex:0 -od:0 -MA:" + allocator,
+                             ZORVANE_PROGRAM};
+        const ProgramResult result = run_program(limited);
+        EXPECT_EQ(result.exit_code, 0) << describe(limited, result);
+        return result.output;
+    };
+    const auto count = [](const std::string& text, const char* part) {
+        const std::regex pattern(part);
+        return std::distance(std::sregex_iterator(text.begin(), text.end(), pattern), std::sregex_iterator());
+    };
+    const char* warning = "The limit on locked memory is too low";
+    const std::string small_pages = run("interleave"), large_pages = run("mmap");
+    EXPECT_EQ(count(small_pages, warning), 1) << small_pages;
+    EXPECT_EQ(count(small_pages, "ulimit -l"), 1) << small_pages;
+    // The system may have no large pages to spare.
+    EXPECT_EQ(count(large_pages, warning), count(large_pages, R"(  \((\d+% locked, )?2\.00 MiB pages)") == 2 ? 0 : 1)
+        << large_pages;
+    EXPECT_EQ(count(run("malloc"), warning), 0);
 }
 
 TEST(Interrupt, CtrlCTellsWhatWasRunning) {

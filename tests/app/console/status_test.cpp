@@ -1,4 +1,5 @@
 #include "app/console/console.h"
+#include "app/console/console_lock.h"
 #include "app/console/linear_console_status.h"
 #include "app/console/linear_network_status.h"
 #include "app/console/run_watch.h"
@@ -11,6 +12,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <mutex>
 #include <regex>
 #include <string>
 #include <thread>
@@ -168,6 +170,19 @@ TEST(Interrupt, NamesTheTaskAndTheFileAndEndsWith130) {
         },
         testing::ExitedWithCode(130),
         "^Interrupted: Pi, in \"Writing\", after 0.0.*\nIncomplete file: /disk/Pi.txt\n$");
+}
+
+TEST(Interrupt, TheSecondOneEndsARunThatHangs) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            platform::restore_terminal_at_signals();
+            const RunWatch watch("Pi");
+            const std::lock_guard held(console_mutex()); // for which the first one waits
+            std::raise(SIGINT);
+            std::raise(SIGINT);
+        },
+        testing::KilledBySignal(SIGINT), "");
 }
 
 TEST(Interrupt, OutsideARunItEndsTheProcess) {
