@@ -87,6 +87,7 @@ void InvsqrtFloat_BigFloatR::iterate(const MultiplyParameters& pars, StatusNode*
         T.set_BigFloat(p, pars, F);
         return watch.check(T, f);
     }
+    watch.carry(T, d);
     halve(T, pars);
     progress.show(side == Estimate::under ? " U2M " : " O2M ", q);
     const std::uint64_t r = multiply_last(pars, R, T, half_residue(d), F, f, q, watch.on);

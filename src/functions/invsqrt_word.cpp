@@ -78,6 +78,7 @@ void InvsqrtWord_BigFloatR::iterate(const MultiplyParameters& pars, StatusNode* 
         T.set_BigFloat(p, pars, F);
         return watch.check(T, f.residue);
     }
+    watch.carry(T, d);
     halve(T, pars);
     progress.show(side == Estimate::under ? " U1M " : " O1M ", q);
     const std::uint64_t r = multiply_kept(helper, 0, R, T, q, Ft, watch, half_residue(d), f);

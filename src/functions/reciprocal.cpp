@@ -74,6 +74,7 @@ void Reciprocal_BigFloatR::iterate(const MultiplyParameters& pars, StatusNode* s
         T.set_BigFloat(p, pars, F);
         return watch.check(T, f.residue);
     }
+    watch.carry(T, d);
     progress.show(side == Estimate::under ? " U1M " : " O1M ", q);
     const std::uint64_t r = multiply_kept(helper, 0, R, T, q, Ft, watch, d, f);
     const bool nudged = correct(T, side, p, pars, F, R);

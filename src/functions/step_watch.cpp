@@ -69,12 +69,12 @@ WatchedProduct StepWatch::product(const BigFloat& T, const WatchedFactor& a, con
     const std::int64_t top = product.exp + static_cast<std::int64_t>(product.length);
     const std::int64_t end = std::min(te, top);
     if (!sees_products || end - product.exp < static_cast<std::int64_t>(std::max(a.L, b.L))) {
-        product.window = residue(T);
+        product.window = made(T);
         return product;
     }
     product.total = shift_words(mul_mod(a.residue, b.residue), -product.exp);
     if (ie - guards <= product.exp && te >= top) { // the number is the product
-        product.window = residue(T);
+        product.window = made(T);
         if (shift_words(product.window, -product.exp) != product.total) fail();
         return product;
     }
@@ -160,6 +160,11 @@ std::uint64_t StepWatch::square(const BigFloat& T, const BigFloat& F, std::uint6
 void StepWatch::check(BigFloat& X, std::uint64_t expected) const {
     if (!on) return;
     if (residue(X) != expected) throw AlgorithmFailedException(function, "Number Hash Mismatch");
+    carry(X, expected);
+}
+
+void StepWatch::carry(BigFloat& X, std::uint64_t expected) const {
+    if (!on) return;
     X.hash = shift_words(expected, -X.exp);
     X.watched = true;
 }

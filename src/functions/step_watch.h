@@ -94,6 +94,9 @@ public:
     /// T is the square of F from some position on; a carry of up to 2 from below may be missing. Returns its residue.
     std::uint64_t square(const BigFloat& T, const BigFloat& F, std::uint64_t f) const;
 
+    /// X must have that residue; it is watched from then on.
+    void carry(BigFloat& X, std::uint64_t expected) const;
+
     /// X has that residue, and is watched from then on.
     void check(BigFloat& X, std::uint64_t expected) const;
 
@@ -106,6 +109,9 @@ public:
     static constexpr std::int64_t highest = std::int64_t{1} << 62;
 
 private:
+    /// The residue of a product's words, as it was made with them where it was.
+    std::uint64_t made(const BigFloat& T) const { return T.watched ? shift_words(T.hash, T.exp) : residue(T); }
+
     const char* const function;
     const TransformHelper& helper;
 };

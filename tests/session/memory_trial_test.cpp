@@ -151,6 +151,7 @@ std::vector<std::uint8_t> digits_of(NormalFloatSessionB& session, const char* fr
     const LinearWordBuffer words = rest.spawn_words(padded_words(session.plan->result_words()));
     BigFloat number(words.pointer, words.words);
     session.plan->run(pars, {}, number, rest);
+    EXPECT_TRUE(number.watched); // to the end of the output
     DigitResults results;
     session.writer->write(pars, {}, results, number, rest);
     std::vector<std::uint8_t> digits(count);

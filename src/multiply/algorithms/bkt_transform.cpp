@@ -94,7 +94,7 @@ void BKTTransform::inverse_fmul(const MultiplyParameters&, std::byte* M, std::by
 
 /// A product that was cut at its top wasn't made as a whole.
 std::optional<std::uint64_t> BKTTransform::left_out(const std::byte* M, std::size_t length, std::size_t s,
-                                                   std::size_t e) const {
+                                                    std::size_t e) const {
     if (e < length) return std::nullopt;
     return hash_words(0, reinterpret_cast<const c32i*>(M), s);
 }

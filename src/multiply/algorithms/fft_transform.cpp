@@ -1,7 +1,7 @@
 #include "multiply/algorithms/fft_transform.h"
 
-#include "app/failure/exceptions.h"
 #include "app/console/watching.h"
+#include "app/failure/exceptions.h"
 #include "digits/hash/word_hash.h"
 #include "multiply/contract/multiply_tables.h"
 #include "multiply/fft/fft.h"
@@ -87,6 +87,10 @@ std::optional<std::uint64_t> FFTTransform::left_out(const std::byte* M, std::siz
     const auto* words = reinterpret_cast<const c32i*>(M);
     const std::uint64_t above = e < product_length ? hash_words(0, words + e, product_length - e) : 0;
     return add_mod(hash_words(0, words, s), shift_words(above, static_cast<std::int64_t>(e)));
+}
+
+std::optional<std::uint64_t> FFTTransform::taken(const std::byte* M, std::size_t s, std::size_t e) const {
+    return hash_words(0, reinterpret_cast<const c32i*>(M) + s, e - s);
 }
 
 bool FFTTransform::is_checked(std::uint64_t product_words) const {

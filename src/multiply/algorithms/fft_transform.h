@@ -38,6 +38,7 @@ public:
     std::span<const c32i> product_words(const std::byte* M, std::size_t length) const override;
     std::optional<std::uint64_t> left_out(const std::byte* M, std::size_t product_length, std::size_t s,
                                           std::size_t e) const override;
+    std::optional<std::uint64_t> taken(const std::byte* M, std::size_t s, std::size_t e) const override;
 
     /// Below, the check would take more than 3 % of a product: 4.7 % of 2^16 bits, 3.0 % of 2^18, 2.1 % of 2^22 (one thread,
     /// avx512, AMD EPYC of Zen 4).

@@ -23,6 +23,13 @@ HybridOperand raw(std::byte* X, const c32i* A, std::size_t AL) {
     return {elements(X), AL > 0 ? A : &no_words, AL};
 }
 
+/// What hybrid_product() has left at the start of M.
+std::uint64_t read_hash(const std::byte* M, std::size_t index) {
+    std::uint64_t hash;
+    std::memcpy(&hash, M + index * sizeof hash, sizeof hash);
+    return hash;
+}
+
 } // namespace
 
 HNTTransform::HNTTransform(std::uint64_t bits, std::uint32_t tds) : size(hybrid_row(bits), tds) {
@@ -67,9 +74,11 @@ void HNTTransform::forward_fmul(const MultiplyParameters& pars, std::byte* M, st
 }
 
 std::optional<std::uint64_t> HNTTransform::left_out(const std::byte* M, std::size_t, std::size_t, std::size_t) const {
-    std::uint64_t hash;
-    std::memcpy(&hash, M, sizeof hash);
-    return hash;
+    return read_hash(M, 0);
+}
+
+std::optional<std::uint64_t> HNTTransform::taken(const std::byte* M, std::size_t, std::size_t) const {
+    return read_hash(M, 1);
 }
 
 bool HNTTransform::compatible(const Transform& other) const {

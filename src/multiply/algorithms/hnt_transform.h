@@ -34,6 +34,7 @@ public:
     bool compatible(const Transform& other) const override;
     std::optional<std::uint64_t> left_out(const std::byte* M, std::size_t length, std::size_t s,
                                           std::size_t e) const override;
+    std::optional<std::uint64_t> taken(const std::byte* M, std::size_t s, std::size_t e) const override;
 
 private:
     HybridSize size;

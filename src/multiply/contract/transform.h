@@ -97,6 +97,13 @@ public:
         return std::nullopt;
     }
 
+    /// After a product with this scratch, folded or not, the residue of the e - s words that it wrote, made as they were
+    /// written. Nothing where an algorithm has none, which never folds.
+    virtual std::optional<std::uint64_t> taken(const std::byte* M, std::size_t s, std::size_t e) const {
+        static_cast<void>(M), static_cast<void>(s), static_cast<void>(e);
+        return std::nullopt;
+    }
+
     /// forward of A into X, square. X ends as scratch.
     template <class Word>
     void sqr_r_x(const MultiplyParameters& pars, std::byte* M, Word* T, std::size_t s, std::size_t e, std::byte* X,

@@ -42,17 +42,20 @@ void CoefficientOutput::store(std::uint64_t i, const RingWord* words, Sums& sums
     const std::size_t begin = job.size.c * i, end = begin + job.size.c;
     const std::size_t first = std::max(begin, s), last = std::min(end, e);
     if (first < last) std::memcpy(T + (first - s), words + (first - begin), 4 * (last - first));
-    leave_out(begin, words, job.size.c, sums);
+    add_hashes(begin, words, job.size.c, sums);
 }
 
-void CoefficientOutput::leave_out(std::size_t begin, const RingWord* words, std::size_t count, Sums& sums) const {
-    const auto count_words = [&](std::size_t from, std::size_t to) {
-        if (!arithmetic_is_watched || from >= to) return;
+void CoefficientOutput::add_hashes(std::size_t begin, const RingWord* words, std::size_t count, Sums& sums) const {
+    if (!arithmetic_is_watched) return;
+    const auto add = [&](std::uint64_t& sum, std::size_t from, std::size_t to, std::size_t origin) {
+        if (from >= to) return;
         const std::uint64_t hash = hash_words(0, words + (from - begin), to - from);
-        sums.left_out = add_mod(sums.left_out, shift_words(hash, static_cast<std::int64_t>(from)));
+        sum = add_mod(sum, shift_words(hash, static_cast<std::int64_t>(from - origin)));
     };
-    count_words(begin, std::min(begin + count, s));
-    count_words(std::max(begin, e), begin + count);
+    const std::size_t end = begin + count;
+    add(sums.left_out, begin, std::min(end, s), 0);
+    add(sums.taken, std::max(begin, s), std::min(end, e), s);
+    add(sums.left_out, std::max(begin, e), end, 0);
 }
 
 void CoefficientOutput::finish_run(std::uint64_t i, const RingWord* x, Sums& total) const {
@@ -63,16 +66,21 @@ void CoefficientOutput::finish_run(std::uint64_t i, const RingWord* x, Sums& tot
 }
 
 void CoefficientOutput::add(std::size_t begin, const RingWord* words, std::size_t count, Sums& total) const {
-    leave_out(begin, words, count, total);
+    add_hashes(begin, words, count, total);
     const std::size_t first = std::max(begin, s), last = std::min(begin + count, e);
     if (first >= last) return;
     RingWord* const at = T + (first - s);
     bool carry = add_words(at, at, words + (first - begin), last - first);
     carry = add_word(T + (last - s), e - last, carry);
-    if (s == 0 && e == capacity())
+    if (!carry) return;
+    // What leaves the top goes missing, or comes in at the bottom.
+    total.taken = subtract_mod(total.taken, pow_word(static_cast<std::int64_t>(e - s)));
+    if (s == 0 && e == capacity()) {
         add_word(T, e, carry);
-    else if (carry)
+        total.taken = add_mod(total.taken, 1);
+    } else {
         total.left_out = add_mod(total.left_out, pow_word(static_cast<std::int64_t>(e)));
+    }
 }
 
 } // namespace zvp

@@ -23,6 +23,7 @@ public:
         std::uint32_t values = 0;   // at check_point
         std::uint32_t kept = 0;     // at their words
         std::uint64_t left_out = 0; // of the words outside the range, modulo 2^61 - 1
+        std::uint64_t taken = 0;    // of those inside
     };
 
     /// Coefficient i from its element x; `before` is the element of coefficient i - 1, null for the first of a run.
@@ -45,8 +46,8 @@ private:
     /// the bottom.
     void add(std::size_t begin, const RingWord* words, std::size_t count, Sums& total) const;
 
-    /// Counts the words from `begin` on that lie outside the range.
-    void leave_out(std::size_t begin, const RingWord* words, std::size_t count, Sums& sums) const;
+    /// Adds the words from `begin` on to the residues of what lies outside the range and inside.
+    void add_hashes(std::size_t begin, const RingWord* words, std::size_t count, Sums& sums) const;
 
     const HybridJob& job;
     RingWord* T;

@@ -94,9 +94,8 @@ public:
     void add(const CoefficientOutput::Sums& sums) {
         values += sums.values;
         kept += sums.kept;
-        std::uint64_t before = left_out.load(std::memory_order_relaxed);
-        while (!left_out.compare_exchange_weak(before, add_mod(before, sums.left_out), std::memory_order_relaxed)) {
-        }
+        add_to(left_out, sums.left_out);
+        add_to(taken, sums.taken);
     }
     void expect(std::uint32_t expected_value, std::uint32_t expected_kept) const {
         if (!arithmetic_is_watched) return;
@@ -104,11 +103,16 @@ public:
             throw ConvolutionFailedException("hybrid_product()", "Modular redundancy check failed.");
     }
 
-private:
-    std::atomic<std::uint64_t> values{0}, kept{0}; // of residues: as many as tasks
+    std::atomic<std::uint64_t> left_out{0}, taken{0}; // modulo 2^61 - 1
 
-public:
-    std::atomic<std::uint64_t> left_out{0}; // modulo 2^61 - 1
+private:
+    static void add_to(std::atomic<std::uint64_t>& sum, std::uint64_t hash) {
+        std::uint64_t before = sum.load(std::memory_order_relaxed);
+        while (!sum.compare_exchange_weak(before, add_mod(before, hash), std::memory_order_relaxed)) {
+        }
+    }
+
+    std::atomic<std::uint64_t> values{0}, kept{0}; // of residues: as many as tasks
 };
 
 /// The last pass of the inverse, and the way out.
@@ -140,8 +144,8 @@ void inverse_columns(const HybridJob& job, RingWord* X, RingWord* T, std::size_t
             output.finish_run(last, X + last * size.stride, left);
         }
     check.expect(expected, left.kept);
-    const std::uint64_t left_out = add_mod(check.left_out, left.left_out);
-    std::memcpy(job.M, &left_out, sizeof left_out);
+    const std::uint64_t hashes[]{add_mod(check.left_out, left.left_out), add_mod(check.taken, left.taken)};
+    std::memcpy(job.M, hashes, sizeof hashes);
 }
 
 /// The row of a form, ready for products.

@@ -44,7 +44,8 @@ struct HybridOperand {
 /// isn't Xd.
 ///
 /// At the start of M stands, as 64 bits, what the product is modulo 2^61 - 1 less 2^(32 s) times T: the words that were left
-/// out, with the carries that are missing. It means nothing for a product that has folded.
+/// out, with the carries that are missing. It means nothing for a product that has folded. Behind it stands the residue of T's
+/// words, made as they were written.
 ///
 /// A fault of the memory or the processor, from the words of the operands to those of the product, throws: mostly
 /// AlgorithmFailedException, "Coefficient is too large.", else ConvolutionFailedException, "Modular redundancy check

@@ -100,8 +100,10 @@ public:
     /// T holds the words, and M what the transform has left there.
     void finish(bool sign, const ParallelContext& ctx, const Transform& tr, const std::byte* M, const Watched& a,
                 const Watched& b) {
-        T.watched = arithmetic_is_watched && a.is_watched && b.is_watched && !folds;
-        if (T.watched) T.hash = hash_of_words(tr, M, mul_mod(a.hash, b.hash), ctx);
+        T.watched = false;
+        if (folds && arithmetic_is_watched) set_hash(tr.at(M).taken(M, window.s, window.e));
+        if (!folds && arithmetic_is_watched && a.is_watched && b.is_watched)
+            set_hash(hash_of_words(tr, M, mul_mod(a.hash, b.hash), ctx));
         const std::size_t L = bp_scan_top(wtype{0}, T.buffer, window.n(), ctx);
         if (L > 0)
             set(T, L, window.exp, sign);
@@ -110,6 +112,11 @@ public:
     }
 
 private:
+    void set_hash(std::optional<std::uint64_t> hash) {
+        T.watched = hash.has_value();
+        T.hash = hash.value_or(0);
+    }
+
     std::uint64_t hash_of_words(const Transform& tr, const std::byte* M, std::uint64_t product,
                                 const ParallelContext& ctx) const {
         const std::size_t s = window.s, e = window.e;

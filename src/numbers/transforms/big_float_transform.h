@@ -23,7 +23,8 @@
 // to be kept.
 //
 // A product of watched operands that doesn't fold is watched: its residue is that of the operands' product less the words that
-// were left out, which the transform still has at hand. So nothing of the way, form or product, goes unwatched.
+// were left out, which the transform still has at hand. So nothing of the way, form or product, goes unwatched. One that folds
+// is watched from when it is written; who folds knows how to prove it (functions/step_watch.h).
 //
 // Errors, each with the name of the operation; T is unchanged:
 //   TransformTooSmallException    a cut operand has more words than tr
