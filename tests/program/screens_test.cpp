@@ -104,8 +104,7 @@ TEST(EndOfInput, OnATerminalItCountsForOneReadAlone) {
     } cases[] = {
         {"", end + "7\n", "Disclaimer:"},
         {"bbp", end + "2\n1000\n" + end + end + "3\n8\n4\n" + end + "1\n0\n", "starting from: 16^-1001"},
-        {"custom", end + "3\n500\n" + end + "1\n" + end + "2\n5\n1\n0\n" + end + "0\n0\n",
-         "Last Decimal Digits:  e"},
+        {"custom", end + "3\n500\n" + end + "1\n" + end + "2\n5\n1\n0\n" + end + "0\n0\n", "Last Decimal Digits:  e"},
     };
     for (const auto& c : cases) {
         ProgramRun run = zorvane("colors:0 pause:-2 " + c.line, c.input);

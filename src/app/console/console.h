@@ -14,7 +14,7 @@
 
 namespace zvp {
 
-/// Whether colours can be seen: what only they tell apart needs another sign where not.
+/// Whether colours can be seen. What differs in colour alone needs another sign where they cannot.
 bool colors_shown();
 
 void set_color(char color);

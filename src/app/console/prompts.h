@@ -1,7 +1,7 @@
 #pragma once
-// Questions to the user. Each prints its label (in white, when a colour is given), reads the answer in the
-// colour, and asks again, without a message, until the value is in range; what isn't a number is told first. A prompt that could only repeat
-// itself because the input has ended stops the program (see read_line()).
+// Questions to the user. Each prints its label (in white, when a colour is given), reads the answer in the colour, and asks
+// again, without a message, until the value is in range; an answer that isn't a number is reported first. A prompt that
+// could only repeat itself because the input has ended stops the program (see read_line()).
 
 #include <cstdint>
 #include <string>

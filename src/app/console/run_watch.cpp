@@ -16,7 +16,7 @@ namespace zvp {
 
 namespace {
 
-/// What the watcher tells. Changed a few times in a run, so that the lock costs nothing.
+/// What the watcher prints. Changed a few times in a run, so that the lock costs nothing.
 struct RunningWork {
     std::mutex mutex;
     std::string what;

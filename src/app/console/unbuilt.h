@@ -1,5 +1,5 @@
 #pragma once
-// What this version hasn't, told in the same words wherever it is asked for.
+// What this version lacks, in the same words wherever it is asked for.
 
 #include <string>
 #include <string_view>

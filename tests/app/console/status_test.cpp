@@ -13,6 +13,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <mutex>
+#include <optional>
 #include <regex>
 #include <string>
 #include <thread>
@@ -169,52 +170,36 @@ TEST(Interrupt, NamesTheTaskAndTheFileAndEndsWith130) {
             std::this_thread::sleep_for(std::chrono::seconds(10));
         },
         testing::ExitedWithCode(130),
-        "^Interrupted: Pi, in \"Writing\", after 0.0.*\nIncomplete file: /disk/Pi.txt\n$");
+        "^Interrupted: Pi, in \"Writing\", after [0-9]+.*\nIncomplete file: /disk/Pi.txt\n");
 }
 
-TEST(Interrupt, TheSecondOneEndsARunThatHangs) {
+TEST(Interrupt, TheSecondOneAndOneOutsideARunEndTheProcess) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
-    EXPECT_EXIT(
-        {
+    for (const bool running : {true, false}) {
+        const auto interrupted = [&] {
             platform::restore_terminal_at_signals();
-            const RunWatch watch("Pi");
+            std::optional<RunWatch> watch("Pi");
             const std::lock_guard held(console_mutex()); // for which the first one waits
+            if (!running) watch.reset();
             std::raise(SIGINT);
             std::raise(SIGINT);
-        },
-        testing::KilledBySignal(SIGINT), "");
-}
-
-TEST(Interrupt, OutsideARunItEndsTheProcess) {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
-    EXPECT_EXIT(
-        {
-            platform::restore_terminal_at_signals();
-            { const RunWatch watch("Pi"); }
-            std::raise(SIGINT);
-        },
-        testing::KilledBySignal(SIGINT), "");
+        };
+        EXPECT_EXIT(interrupted(), testing::KilledBySignal(SIGINT), "");
+    }
 }
 
 TEST(TrackedMeasurements, SumPhasesAndCountNestedOnesOnce) {
-    const auto spend = [] {
-        for (const std::uint64_t end = platform::performance_counter() + 20'000'000;
-             platform::performance_counter() < end;) {
-        }
-    };
     TrackedMeasurements sum;
     sum.close(); // of nothing
     for (int phase = 0; phase < 2; ++phase) {
         sum.open();
         sum.open();
-        spend();
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
         sum.close();
         sum.close();
-        spend(); // between the phases
     }
     EXPECT_GE(sum.wall_seconds, 0.04);
-    EXPECT_LT(sum.user_seconds + sum.kernel_seconds, sum.wall_seconds + 0.02);
-    EXPECT_LT(sum.wall_seconds, 0.06 + 0.04); // a busy machine may add a time slice
+    EXPECT_LT(sum.user_seconds + sum.kernel_seconds, 0.02);
 }
 
 TEST(ChildThread, WhatLeavesItEndsTheProgram) {
