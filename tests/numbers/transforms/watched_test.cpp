@@ -194,6 +194,28 @@ TEST(WatchedFloats, AFlippedBitInAnOperandOrAKeptFormIsFoundOut) {
     }
 }
 
+TEST(WatchedFloats, AWindowOfAFoldedProductIsWatchedFromWhenItIsWritten) {
+    std::mt19937_64 random(seed());
+    int folded_products = 0;
+    for (const std::size_t n : {300U, 5'000U, 40'000U, 240'000U, 300'000U}) {
+        Products products(n, 3);
+        Number A = random_number(random, n), B = random_number(random, n), T(2 * n);
+        const TransformHelper h(products.pars, 2 * n - n / 2, 2);
+        const std::size_t C = h.transform().capacity_bits / 32;
+        if (C >= 2 * n) continue;
+        ++folded_products;
+        const auto folded = static_cast<std::int64_t>(2 * n - C);
+        const std::int64_t base = A.f.exp + B.f.exp;
+        BigFloatTransformR::mul_rr_xx(h.pars(), h.transform(), h.M(), T.f, base + folded + 5,
+                                      A.f.top() + B.f.top() - folded, h.form(0), A.f, n, h.form(1), B.f, n);
+        EXPECT_TRUE(T.f.watched);
+        EXPECT_NO_THROW(T.f.check_hash("", products.pars)) << n;
+        T.f.T[T.f.L / 3] ^= 64;
+        EXPECT_THROW(T.f.check_hash("", products.pars), zvp::AlgorithmFailedException) << n;
+    }
+    EXPECT_GE(folded_products, 3);
+}
+
 /// Fails its first products, as the check of a transform does.
 class FailingTransform final : public zvp::Transform {
 public:
