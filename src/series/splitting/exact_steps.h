@@ -90,8 +90,7 @@ void strip_low_zeros(Number& A) {
         A.T += number_alignment;
         A.L -= number_alignment;
         A.exp += std::int64_t{number_alignment};
-        if constexpr (std::is_same_v<Number, BigFloat>)
-            A.hash = shift_words(A.hash, -std::int64_t{number_alignment});
+        if constexpr (std::is_same_v<Number, BigFloat>) A.hash = shift_words(A.hash, -std::int64_t{number_alignment});
     }
 }
 
